@@ -1,0 +1,55 @@
+#pragma once
+// The virtual camera: a USB3 Vision device in memory, with control registers, a GenICam description, a sensor that sees
+// a moving subject, and faults on demand. Nothing here knows the host's side.
+
+#include "UsbFunction.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Orvi::Vcam {
+
+/// What makes one virtual camera differ from its neighbour.
+struct CameraConfig {
+    std::string vendor = "Orvi";
+    std::string model = "Virtual Camera";
+    std::string serial; ///< required: it is the camera's identity
+    std::string userDefinedName;
+    std::uint32_t sensorWidth = 1920;
+    std::uint32_t sensorHeight = 1200;
+};
+
+class VirtualCamera : public UsbFunction {
+  public:
+    static std::shared_ptr<VirtualCamera> Create(const CameraConfig &config);
+
+    /// Pulls the plug: pending transfers end as Gone, later ones too, and the observer is told.
+    virtual void Unplug() = 0;
+    /// Plugs the camera in again: it starts as after power-up, with its stored names.
+    virtual void Plug() = 0;
+    virtual bool IsPlugged() const = 0;
+
+    /// Writes a register from the device's side, without the checks of the control protocol: for tests and faults.
+    virtual void PokeRegister(std::uint64_t address, std::uint32_t value) = 0;
+    virtual std::uint32_t PeekRegister(std::uint64_t address) const = 0;
+
+    /// Blocks that the camera has thrown away because no transfer was posted for them.
+    virtual std::uint64_t DroppedBlocks() const = 0;
+};
+
+/// The virtual cameras of this process, made once from ORVI_VIRTUAL_CAMERAS (a number) and then kept: their state
+/// survives closing, so that a test or a tool can find the camera behind a serial number again and unplug it.
+class VirtualBench {
+  public:
+    static VirtualBench &Instance();
+    /// All cameras in order, plugged or not. Reads the environment anew when ORVI_VIRTUAL_CAMERAS asks for more.
+    virtual std::vector<std::shared_ptr<VirtualCamera>> Cameras() = 0;
+    virtual std::shared_ptr<VirtualCamera> Find(const std::string &serial) = 0;
+
+  protected:
+    ~VirtualBench() = default;
+};
+
+} // namespace Orvi::Vcam
