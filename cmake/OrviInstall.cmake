@@ -1,0 +1,31 @@
+# The installed SDK: the staged folder plus what build systems need to find it. All of it can be moved as a whole.
+
+include(CMakePackageConfigHelpers)
+
+set(_package_dir lib/cmake/OrviCamApi)
+set(_package_build "${CMAKE_CURRENT_BINARY_DIR}/package")
+
+# Through configure_file, so that a changed header is staged again by the next build.
+configure_file(include/OrviCamApi.h "${ORVI_SDK_DIR}/include/OrviCamApi.h" COPYONLY)
+configure_file(cmake/OrviCamApi.pc.in "${ORVI_SDK_DIR}/lib/pkgconfig/OrviCamApi.pc" @ONLY)
+configure_package_config_file(cmake/OrviCamApiConfig.cmake.in "${_package_build}/OrviCamApiConfig.cmake"
+  INSTALL_DESTINATION "${_package_dir}")
+write_basic_package_version_file("${_package_build}/OrviCamApiConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
+
+install(TARGETS OrviCamApi_64 EXPORT OrviCamApi LIBRARY DESTINATION lib)
+install(EXPORT OrviCamApi NAMESPACE Orvi:: FILE OrviCamApiTargets.cmake DESTINATION "${_package_dir}")
+install(FILES
+  "${_package_build}/OrviCamApiConfig.cmake"
+  "${_package_build}/OrviCamApiConfigVersion.cmake"
+  DESTINATION "${_package_dir}")
+install(FILES "${ORVI_SDK_DIR}/lib/pkgconfig/OrviCamApi.pc" DESTINATION lib/pkgconfig)
+install(FILES include/OrviCamApi.h DESTINATION include)
+install(FILES LICENSE DESTINATION share/doc/OrviCamApi)
+
+# Parts that may have been left out of this build.
+if(TARGET OrviU3vCamApi_64)
+  install(TARGETS OrviU3vCamApi_64 LIBRARY DESTINATION lib)
+endif()
+if(TARGET orvicam)
+  install(TARGETS orvicam RUNTIME DESTINATION bin)
+endif()
