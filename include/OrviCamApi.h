@@ -23,8 +23,8 @@
  * @endcode
  *
  * @par Statuses
- * Every function returns a ::CAM_API_STATUS, 0 for success. Besides the statuses named at a function, each function on a
- * camera, node, stream or event returns
+ * Every function returns a ::CAM_API_STATUS, 0 for success. Besides the statuses named at a function, each function on
+ * a camera, node, stream or event returns
  * - #CAM_API_STS_NOT_INITIALIZED before a successful Sys_Initialize(), whatever its arguments;
  * - #CAM_API_STS_INVALID_CAMERA_HANDLE, #CAM_API_STS_INVALID_STREAM_HANDLE or #CAM_API_STS_INVALID_EVENT_HANDLE for a
  *   handle that the library has not handed out or that is closed;
@@ -48,69 +48,69 @@
 /** Result of every function: 0 for success, else one of the codes below. */
 typedef uint32_t CAM_API_STATUS;
 
-#define CAM_API_STS_SUCCESS UINT32_C(0x0)                   /**< Done. */
-#define CAM_API_STS_NOT_INITIALIZED UINT32_C(0x1)           /**< Called before Sys_Initialize() succeeded. */
-#define CAM_API_STS_ALREADY_INITIALIZED UINT32_C(0x2)       /**< The library or the log is up already. */
-#define CAM_API_STS_NOT_FOUND UINT32_C(0x3)                 /**< The thing asked for does not exist. */
-#define CAM_API_STS_ALREADY_OPENED UINT32_C(0x4)            /**< The camera or channel is open already. */
-#define CAM_API_STS_ALREADY_ACTIVATED UINT32_C(0x5)         /**< The event is active already. */
-#define CAM_API_STS_INVALID_CAMERA_INDEX UINT32_C(0x6)      /**< The transport knows no such camera. */
-#define CAM_API_STS_INVALID_CAMERA_HANDLE UINT32_C(0x7)     /**< Unknown, closed or zero camera handle. */
-#define CAM_API_STS_INVALID_NODE_HANDLE UINT32_C(0x8)       /**< Unknown or stale node handle. */
-#define CAM_API_STS_INVALID_STREAM_HANDLE UINT32_C(0x9)     /**< Unknown, closed or zero stream handle. */
-#define CAM_API_STS_INVALID_REQUEST_HANDLE UINT32_C(0xA)    /**< Unknown or released request handle. */
-#define CAM_API_STS_INVALID_EVENT_HANDLE UINT32_C(0xB)      /**< Unknown, closed or zero event channel handle. */
-#define CAM_API_STS_INVALID_IMAGE_HANDLE UINT32_C(0xC)      /**< Unknown image. */
-#define CAM_API_STS_INVALID_PARAMETER UINT32_C(0xD)         /**< Null output or argument out of range. */
-#define CAM_API_STS_BUFFER_TOO_SMALL UINT32_C(0xE)          /**< The caller's buffer cannot hold the answer. */
-#define CAM_API_STS_NO_MEMORY UINT32_C(0xF)                 /**< Out of memory; the log: out of disk space. */
-#define CAM_API_STS_MEMORY_NO_ACCESS UINT32_C(0x10)         /**< The caller's memory cannot be used. */
-#define CAM_API_STS_NOT_IMPLEMENTED UINT32_C(0x11)          /**< The camera has no such feature. */
-#define CAM_API_STS_TIMEOUT UINT32_C(0x12)                  /**< Nothing happened within the time given. */
-#define CAM_API_STS_CAMERA_NOT_RESPONDING UINT32_C(0x13)    /**< The camera does not answer. */
-#define CAM_API_STS_EMPTY_COMPLETE_QUEUE UINT32_C(0x14)     /**< No request is complete yet. */
-#define CAM_API_STS_NOT_READY UINT32_C(0x15)                /**< Not ready yet. */
-#define CAM_API_STS_ACCESS_MODE_SET_ERR UINT32_C(0x16)      /**< The access mode could not be set. */
-#define CAM_API_STS_XML_LOAD_ERR UINT32_C(0x101)            /**< The camera's description cannot be loaded. */
-#define CAM_API_STS_GENICAM_ERR UINT32_C(0x102)             /**< A node refused; see Misc_GetLastGenICamError(). */
-#define CAM_API_STS_DLL_LOAD_ERR UINT32_C(0x103)            /**< No transport could be loaded and started. */
-#define CAM_API_STS_INVALID_ADDRESS UINT32_C(0x801)         /**< The camera has no register there. */
-#define CAM_API_STS_WRITE_PROTECT UINT32_C(0x802)           /**< The register is read-only. */
-#define CAM_API_STS_BAD_ALIGNMENT UINT32_C(0x803)           /**< Address or size is not aligned. */
-#define CAM_API_STS_ACCESS_DENIED UINT32_C(0x804)           /**< Refused by the camera in its present state. */
-#define CAM_API_STS_BUSY UINT32_C(0x805)                    /**< The camera is busy. */
-#define CAM_API_STS_NOT_READABLE UINT32_C(0x806)            /**< The feature cannot be read. */
-#define CAM_API_STS_NOT_WRITABLE UINT32_C(0x807)            /**< The feature cannot be written, or not now. */
-#define CAM_API_STS_NOT_AVAILABLE UINT32_C(0x808)           /**< The feature or function is not available now. */
-#define CAM_API_STS_REQUEST_TIMEOUT UINT32_C(0x1001)        /**< A request was not filled in time. */
-#define CAM_API_STS_RESEND_TIMEOUT UINT32_C(0x1002)         /**< A resend did not arrive in time. */
-#define CAM_API_STS_RESPONSE_TIMEOUT UINT32_C(0x1003)       /**< An answer did not arrive in time. */
-#define CAM_API_STS_BUFFER_FULL UINT32_C(0x1004)            /**< No buffer was free. */
-#define CAM_API_STS_UNEXPECTED_BUFFER_SIZE UINT32_C(0x1005) /**< The payload does not fit the buffer. */
-#define CAM_API_STS_UNEXPECTED_NUMBER UINT32_C(0x1006)      /**< A number out of sequence. */
-#define CAM_API_STS_PACKET_STATUS_ERROR UINT32_C(0x1007)    /**< The camera marked a packet as bad. */
-#define CAM_API_STS_RESEND_NOT_IMPLEMENTED UINT32_C(0x1008) /**< The camera cannot resend. */
-#define CAM_API_STS_PACKET_UNAVAILABLE UINT32_C(0x1009)     /**< The camera no longer has the packet. */
-#define CAM_API_STS_MISSING_PACKETS UINT32_C(0x100A)        /**< Parts of the image are missing. */
-#define CAM_API_STS_FLUSH_REQUESTED UINT32_C(0x100B)        /**< The request was flushed. */
-#define CAM_API_STS_TOO_MANY_PACKET_MISSING UINT32_C(0x100C) /**< Too much of the image is missing. */
-#define CAM_API_STS_FLUSHED_BY_D0EXIT UINT32_C(0x100D)      /**< The request was flushed by a power change. */
+#define CAM_API_STS_SUCCESS UINT32_C(0x0)                     /**< Done. */
+#define CAM_API_STS_NOT_INITIALIZED UINT32_C(0x1)             /**< Called before Sys_Initialize() succeeded. */
+#define CAM_API_STS_ALREADY_INITIALIZED UINT32_C(0x2)         /**< The library or the log is up already. */
+#define CAM_API_STS_NOT_FOUND UINT32_C(0x3)                   /**< The thing asked for does not exist. */
+#define CAM_API_STS_ALREADY_OPENED UINT32_C(0x4)              /**< The camera or channel is open already. */
+#define CAM_API_STS_ALREADY_ACTIVATED UINT32_C(0x5)           /**< The event is active already. */
+#define CAM_API_STS_INVALID_CAMERA_INDEX UINT32_C(0x6)        /**< The transport knows no such camera. */
+#define CAM_API_STS_INVALID_CAMERA_HANDLE UINT32_C(0x7)       /**< Unknown, closed or zero camera handle. */
+#define CAM_API_STS_INVALID_NODE_HANDLE UINT32_C(0x8)         /**< Unknown or stale node handle. */
+#define CAM_API_STS_INVALID_STREAM_HANDLE UINT32_C(0x9)       /**< Unknown, closed or zero stream handle. */
+#define CAM_API_STS_INVALID_REQUEST_HANDLE UINT32_C(0xA)      /**< Unknown or released request handle. */
+#define CAM_API_STS_INVALID_EVENT_HANDLE UINT32_C(0xB)        /**< Unknown, closed or zero event channel handle. */
+#define CAM_API_STS_INVALID_IMAGE_HANDLE UINT32_C(0xC)        /**< Unknown image. */
+#define CAM_API_STS_INVALID_PARAMETER UINT32_C(0xD)           /**< Null output or argument out of range. */
+#define CAM_API_STS_BUFFER_TOO_SMALL UINT32_C(0xE)            /**< The caller's buffer cannot hold the answer. */
+#define CAM_API_STS_NO_MEMORY UINT32_C(0xF)                   /**< Out of memory; the log: out of disk space. */
+#define CAM_API_STS_MEMORY_NO_ACCESS UINT32_C(0x10)           /**< The caller's memory cannot be used. */
+#define CAM_API_STS_NOT_IMPLEMENTED UINT32_C(0x11)            /**< The camera has no such feature. */
+#define CAM_API_STS_TIMEOUT UINT32_C(0x12)                    /**< Nothing happened within the time given. */
+#define CAM_API_STS_CAMERA_NOT_RESPONDING UINT32_C(0x13)      /**< The camera does not answer. */
+#define CAM_API_STS_EMPTY_COMPLETE_QUEUE UINT32_C(0x14)       /**< No request is complete yet. */
+#define CAM_API_STS_NOT_READY UINT32_C(0x15)                  /**< Not ready yet. */
+#define CAM_API_STS_ACCESS_MODE_SET_ERR UINT32_C(0x16)        /**< The access mode could not be set. */
+#define CAM_API_STS_XML_LOAD_ERR UINT32_C(0x101)              /**< The camera's description cannot be loaded. */
+#define CAM_API_STS_GENICAM_ERR UINT32_C(0x102)               /**< A node refused; see Misc_GetLastGenICamError(). */
+#define CAM_API_STS_DLL_LOAD_ERR UINT32_C(0x103)              /**< No transport could be loaded and started. */
+#define CAM_API_STS_INVALID_ADDRESS UINT32_C(0x801)           /**< The camera has no register there. */
+#define CAM_API_STS_WRITE_PROTECT UINT32_C(0x802)             /**< The register is read-only. */
+#define CAM_API_STS_BAD_ALIGNMENT UINT32_C(0x803)             /**< Address or size is not aligned. */
+#define CAM_API_STS_ACCESS_DENIED UINT32_C(0x804)             /**< Refused by the camera in its present state. */
+#define CAM_API_STS_BUSY UINT32_C(0x805)                      /**< The camera is busy. */
+#define CAM_API_STS_NOT_READABLE UINT32_C(0x806)              /**< The feature cannot be read. */
+#define CAM_API_STS_NOT_WRITABLE UINT32_C(0x807)              /**< The feature cannot be written, or not now. */
+#define CAM_API_STS_NOT_AVAILABLE UINT32_C(0x808)             /**< The feature or function is not available now. */
+#define CAM_API_STS_REQUEST_TIMEOUT UINT32_C(0x1001)          /**< A request was not filled in time. */
+#define CAM_API_STS_RESEND_TIMEOUT UINT32_C(0x1002)           /**< A resend did not arrive in time. */
+#define CAM_API_STS_RESPONSE_TIMEOUT UINT32_C(0x1003)         /**< An answer did not arrive in time. */
+#define CAM_API_STS_BUFFER_FULL UINT32_C(0x1004)              /**< No buffer was free. */
+#define CAM_API_STS_UNEXPECTED_BUFFER_SIZE UINT32_C(0x1005)   /**< The payload does not fit the buffer. */
+#define CAM_API_STS_UNEXPECTED_NUMBER UINT32_C(0x1006)        /**< A number out of sequence. */
+#define CAM_API_STS_PACKET_STATUS_ERROR UINT32_C(0x1007)      /**< The camera marked a packet as bad. */
+#define CAM_API_STS_RESEND_NOT_IMPLEMENTED UINT32_C(0x1008)   /**< The camera cannot resend. */
+#define CAM_API_STS_PACKET_UNAVAILABLE UINT32_C(0x1009)       /**< The camera no longer has the packet. */
+#define CAM_API_STS_MISSING_PACKETS UINT32_C(0x100A)          /**< Parts of the image are missing. */
+#define CAM_API_STS_FLUSH_REQUESTED UINT32_C(0x100B)          /**< The request was flushed. */
+#define CAM_API_STS_TOO_MANY_PACKET_MISSING UINT32_C(0x100C)  /**< Too much of the image is missing. */
+#define CAM_API_STS_FLUSHED_BY_D0EXIT UINT32_C(0x100D)        /**< The request was flushed by a power change. */
 #define CAM_API_STS_FLUSHED_BY_CAMERA_REMOVE UINT32_C(0x100E) /**< The camera was unplugged. */
-#define CAM_API_STS_FILE_OPEN_ERROR UINT32_C(0x2001)        /**< A file cannot be opened. */
-#define CAM_API_STS_FILE_WRITE_ERROR UINT32_C(0x2002)       /**< A file cannot be written. */
-#define CAM_API_STS_FILE_READ_ERROR UINT32_C(0x2003)        /**< A file cannot be read. */
-#define CAM_API_STS_FILE_NOT_FOUND UINT32_C(0x2004)         /**< A file does not exist. */
-#define CAM_API_STS_DATA_DISCARDED UINT32_C(0xA100)         /**< The camera discarded part of the image. */
-#define CAM_API_STS_UNSUCCESSFUL UINT32_C(0xFFFFFFFF)       /**< Failed for a reason without a code. */
+#define CAM_API_STS_FILE_OPEN_ERROR UINT32_C(0x2001)          /**< A file cannot be opened. */
+#define CAM_API_STS_FILE_WRITE_ERROR UINT32_C(0x2002)         /**< A file cannot be written. */
+#define CAM_API_STS_FILE_READ_ERROR UINT32_C(0x2003)          /**< A file cannot be read. */
+#define CAM_API_STS_FILE_NOT_FOUND UINT32_C(0x2004)           /**< A file does not exist. */
+#define CAM_API_STS_DATA_DISCARDED UINT32_C(0xA100)           /**< The camera discarded part of the image. */
+#define CAM_API_STS_UNSUCCESSFUL UINT32_C(0xFFFFFFFF)         /**< Failed for a reason without a code. */
 /** @} */
 
 /** @name Limits and flags */
 /** @{ */
-#define CAMERA_INDEX_MAX 64                          /**< Cameras that one enumeration can hold. */
-#define SYS_INIT_U3V 1                               /**< Sys_Initialize(): the USB3 Vision transport. */
-#define SYS_INIT_GEV 2                               /**< Sys_Initialize(): a GigE Vision transport; never available. */
-#define SYS_INIT_ALL 0xFFFF                          /**< Sys_Initialize(): every available transport. */
-#define SYS_WAIT_INFINITE UINT32_C(0xFFFFFFFF)       /**< Sys_WaitForSignal(): no time limit. */
+#define CAMERA_INDEX_MAX 64                    /**< Cameras that one enumeration can hold. */
+#define SYS_INIT_U3V 1                         /**< Sys_Initialize(): the USB3 Vision transport. */
+#define SYS_INIT_GEV 2                         /**< Sys_Initialize(): a GigE Vision transport; never available. */
+#define SYS_INIT_ALL 0xFFFF                    /**< Sys_Initialize(): every available transport. */
+#define SYS_WAIT_INFINITE UINT32_C(0xFFFFFFFF) /**< Sys_WaitForSignal(): no time limit. */
 /** @} */
 
 /** An opaque value that names a camera, stream, event channel, request, node or signal. 0 is never valid. */
@@ -249,17 +249,17 @@ typedef struct CAM_SYSTEM_INFO {
  * Cam_GetInformation(). 2044 bytes. A text that fills its 64 bytes has no closing NUL (a user-defined name may).
  */
 typedef struct CAM_INFO {
-    CAM_TYPE eCamType;             /**< #CAM_TYPE_U3V. */
-    char szManufacturer[64];       /**< Maker. */
-    char szModelName[64];          /**< Model. */
-    char szSerialNumber[64];       /**< Serial number: stable, and the best name of a camera. */
-    char szUserDefinedName[64];    /**< The name that users gave the camera, or empty. */
-    char szFamilyName[64];         /**< Product family, or empty. */
-    char szDeviceVersion[64];      /**< Version of the device. */
-    char szManufacturerInfo[64];   /**< The maker's remarks. */
-    uint8_t ucReserved0[8];        /**< Zero. */
-    uint32_t uiLinkSpeed;          /**< Current USB speed: 1 low, 2 full, 4 high, 8 super, 16 super+. */
-    uint8_t ucReserved1[1580];     /**< Zero. */
+    CAM_TYPE eCamType;           /**< #CAM_TYPE_U3V. */
+    char szManufacturer[64];     /**< Maker. */
+    char szModelName[64];        /**< Model. */
+    char szSerialNumber[64];     /**< Serial number: stable, and the best name of a camera. */
+    char szUserDefinedName[64];  /**< The name that users gave the camera, or empty. */
+    char szFamilyName[64];       /**< Product family, or empty. */
+    char szDeviceVersion[64];    /**< Version of the device. */
+    char szManufacturerInfo[64]; /**< The maker's remarks. */
+    uint8_t ucReserved0[8];      /**< Zero. */
+    uint32_t uiLinkSpeed;        /**< Current USB speed: 1 low, 2 full, 4 high, 8 super, 16 super+. */
+    uint8_t ucReserved1[1580];   /**< Zero. */
 } CAM_INFO;
 
 /** Cam_GetU3vInformationEx(). 4104 bytes. */
@@ -274,20 +274,20 @@ typedef struct CAM_U3V_INFO_EX {
  * 72 bytes.
  */
 typedef struct CAM_STREAM_REQUEST_INFO {
-    CAM_API_STATUS uiStatus;       /**< How the request ended: 0, 0x1001, 0x1005, 0x100A, 0x100B, 0x100E, 0xA100 ... */
-    uint32_t uiPayloadType;        /**< USB3 Vision payload type: 0x0001 image, 0x4001 image with chunks. */
-    uint64_t ullBlockId;           /**< Number that the camera gave the image; gaps are lost images. */
-    uint64_t ullDeviceTimestamp;   /**< The camera's time of the image in ns. */
-    uint64_t ullHostTimestamp;     /**< CLOCK_MONOTONIC of the last byte in ns. */
-    uint32_t uiPixelFormat;        /**< PFNC code, e.g. 0x01080001 for Mono8. */
-    uint32_t uiWidth;              /**< Pixels per line. */
-    uint32_t uiHeight;             /**< Lines received. */
-    uint32_t uiOffsetX;            /**< First column on the sensor. */
-    uint32_t uiOffsetY;            /**< First line on the sensor. */
-    uint32_t uiPaddingX;           /**< Unused bytes at the end of each line. */
-    uint64_t ullValidPayloadSize;  /**< Bytes of the buffer that hold data. */
-    uint32_t uiLostBlocks;         /**< Blocks lost between the previous delivered one and this. */
-    uint32_t uiReserved;           /**< Zero. */
+    CAM_API_STATUS uiStatus;      /**< How the request ended: 0, 0x1001, 0x1005, 0x100A, 0x100B, 0x100E, 0xA100 ... */
+    uint32_t uiPayloadType;       /**< USB3 Vision payload type: 0x0001 image, 0x4001 image with chunks. */
+    uint64_t ullBlockId;          /**< Number that the camera gave the image; gaps are lost images. */
+    uint64_t ullDeviceTimestamp;  /**< The camera's time of the image in ns. */
+    uint64_t ullHostTimestamp;    /**< CLOCK_MONOTONIC of the last byte in ns. */
+    uint32_t uiPixelFormat;       /**< PFNC code, e.g. 0x01080001 for Mono8. */
+    uint32_t uiWidth;             /**< Pixels per line. */
+    uint32_t uiHeight;            /**< Lines received. */
+    uint32_t uiOffsetX;           /**< First column on the sensor. */
+    uint32_t uiOffsetY;           /**< First line on the sensor. */
+    uint32_t uiPaddingX;          /**< Unused bytes at the end of each line. */
+    uint64_t ullValidPayloadSize; /**< Bytes of the buffer that hold data. */
+    uint32_t uiLostBlocks;        /**< Blocks lost between the previous delivered one and this. */
+    uint32_t uiReserved;          /**< Zero. */
 } CAM_STREAM_REQUEST_INFO;
 
 /** Summary of a delivered camera event: Evt_DequeueRequest(). 24 bytes. */
@@ -300,8 +300,8 @@ typedef struct CAM_EVENT_REQUEST_INFO {
 
 /** The last failure of a node: Misc_GetLastGenICamError(). 24 bytes. */
 typedef struct CAM_GENICAM_ERROR {
-    const char *pszMessage;   /**< What failed and why; owned by the transport, valid until the next failure. */
-    uint64_t ullReserved[2];  /**< The transport's. */
+    const char *pszMessage;  /**< What failed and why; owned by the transport, valid until the next failure. */
+    uint64_t ullReserved[2]; /**< The transport's. */
 } CAM_GENICAM_ERROR;
 /** @} */
 
@@ -523,8 +523,8 @@ CAM_API_STATUS Cam_WriteReg(CAM_HANDLE hCam, uint64_t ullAdrs, uint32_t uiSizeQu
 CAM_API_STATUS Cam_GetXmlData(CAM_HANDLE hCam, void *pvBuffer, uint64_t *pullSize);
 
 /**
- * Resets the camera's USB port and closes the camera in the transport. The library still knows the handle; calls with it
- * then fail in the transport. Enumerate and open anew.
+ * Resets the camera's USB port and closes the camera in the transport. The library still knows the handle; calls with
+ * it then fail in the transport. Enumerate and open anew.
  */
 CAM_API_STATUS Cam_ResetPort(CAM_HANDLE hCam);
 
@@ -612,7 +612,8 @@ CAM_API_STATUS Nd_GetNode(CAM_HANDLE hCam, const char *pszName, CAM_HANDLE *phNo
 CAM_API_STATUS Nd_GetType(CAM_HANDLE hCam, CAM_HANDLE hNode, CAM_NODE_TYPE *peType);
 /** Number of features in a category. */
 CAM_API_STATUS Nd_GetNumOfFeatures(CAM_HANDLE hCam, CAM_HANDLE hNode, uint32_t *puiNum);
-/** A feature of a category. @param hCam camera @param hNode category @param uiIndex from 0 @param[out] phFeature node */
+/** A feature of a category. @param hCam camera @param hNode category @param uiIndex from 0 @param[out] phFeature node
+ */
 CAM_API_STATUS Nd_GetFeatureByIndex(CAM_HANDLE hCam, CAM_HANDLE hNode, uint32_t uiIndex, CAM_HANDLE *phFeature);
 /** Name of a node. @param hCam camera @param hNode node @param[out] pszBuf room for 64 bytes */
 CAM_API_STATUS Nd_GetName(CAM_HANDLE hCam, CAM_HANDLE hNode, char *pszBuf);
@@ -680,13 +681,15 @@ CAM_API_STATUS Nd_GetNumOfEnumEntries(CAM_HANDLE hCam, CAM_HANDLE hNode, uint32_
 /** Sets an enumeration by number. */
 CAM_API_STATUS Nd_SetEnumIntValue(CAM_HANDLE hCam, CAM_HANDLE hNode, int64_t llValue, bool bVerify);
 /** Reads an enumeration as number. */
-CAM_API_STATUS Nd_GetEnumIntValue(CAM_HANDLE hCam, CAM_HANDLE hNode, int64_t *pllValue, bool bVerify, bool bIgnoreCache);
+CAM_API_STATUS Nd_GetEnumIntValue(CAM_HANDLE hCam, CAM_HANDLE hNode, int64_t *pllValue, bool bVerify,
+                                  bool bIgnoreCache);
 /** Sets an enumeration by the name of an entry. */
 CAM_API_STATUS Nd_SetEnumStrValue(CAM_HANDLE hCam, CAM_HANDLE hNode, const char *pszBuf, bool bVerify);
 /** Reads an enumeration as the name of its entry. */
 CAM_API_STATUS Nd_GetEnumStrValue(CAM_HANDLE hCam, CAM_HANDLE hNode, char *pszBuf, uint32_t *puiSize, bool bVerify,
                                   bool bIgnoreCache);
-/** An entry of an enumeration. @param hCam camera @param hNode enumeration @param uiIndex from 0 @param[out] phEntry entry */
+/** An entry of an enumeration. @param hCam camera @param hNode enumeration @param uiIndex from 0 @param[out] phEntry
+ * entry */
 CAM_API_STATUS Nd_GetEnumEntryByIndex(CAM_HANDLE hCam, CAM_HANDLE hNode, uint32_t uiIndex, CAM_HANDLE *phEntry);
 /** Number of an entry. */
 CAM_API_STATUS Nd_GetEnumEntryIntValue(CAM_HANDLE hCam, CAM_HANDLE hNode, int64_t *pllValue);
@@ -696,8 +699,8 @@ CAM_API_STATUS Nd_GetEnumEntryStrValue(CAM_HANDLE hCam, CAM_HANDLE hNode, char *
 
 /**
  * @defgroup strm Streams
- * Images. In request mode (Strm_Open()) the transport writes into buffers of the application: open, create a request per
- * buffer, enqueue each, start; then dequeue, use, enqueue again; stop, flush, release each, close. In simple mode
+ * Images. In request mode (Strm_Open()) the transport writes into buffers of the application: open, create a request
+ * per buffer, enqueue each, start; then dequeue, use, enqueue again; stop, flush, release each, close. In simple mode
  * (Strm_OpenSimple()) the transport keeps the buffers: open, start; then read or lock the current image or be called
  * back; stop, close.
  * @{
@@ -818,7 +821,8 @@ CAM_API_STATUS Strm_SetCallbackImageAcquired(CAM_HANDLE hStrm, CAM_STREAM_CALLBA
 /** Registers what is called for each bad image; null ends it. Set it before Strm_Start(). */
 CAM_API_STATUS Strm_SetCallbackImageError(CAM_HANDLE hStrm, CAM_STREAM_CALLBACK pfnCallback, void *pvContext);
 
-/** Registers what is called when images were lost for want of a free buffer; null ends it. Set it before Strm_Start(). */
+/** Registers what is called when images were lost for want of a free buffer; null ends it. Set it before Strm_Start().
+ */
 CAM_API_STATUS Strm_SetCallbackBufferBusy(CAM_HANDLE hStrm, CAM_STREAM_CALLBACK pfnCallback, void *pvContext);
 
 /** Number of images lost since the start. */
@@ -844,7 +848,8 @@ CAM_API_STATUS Evt_OpenSimple(CAM_HANDLE hCam, CAM_HANDLE *phEvt, uint32_t uiApi
  * Opens an event channel for buffers of the application.
  * @param hCam                      the camera
  * @param[out] phEvt                the channel; must not be null. Close it with Evt_Close()
- * @param[in,out] puiMaxPayloadSize bytes of the largest event; 0 asks the camera and returns its answer; must not be null
+ * @param[in,out] puiMaxPayloadSize bytes of the largest event; 0 asks the camera and returns its answer; must not be
+ * null
  * @param pvTransportParam          a signal (Sys_CreateSignal()), set each time an event completes; or null
  */
 CAM_API_STATUS Evt_Open(CAM_HANDLE hCam, CAM_HANDLE *phEvt, uint32_t *puiMaxPayloadSize, void *pvTransportParam);
@@ -919,8 +924,8 @@ CAM_API_STATUS GetCamStreamPayloadSize(CAM_HANDLE hCam, uint32_t *puiPayloadSize
 
 /**
  * @defgroup log Log
- * One diagnostic log per process, a file or a ring in memory. Each API function writes a line when it is entered and one
- * when it is left. Any thread may write; starting and ending the log must not race with other calls.
+ * One diagnostic log per process, a file or a ring in memory. Each API function writes a line when it is entered and
+ * one when it is left. Any thread may write; starting and ending the log must not race with other calls.
  * @{
  */
 
@@ -992,8 +997,8 @@ CAM_API_STATUS Log_OutMemToFileEx(int32_t iInterface, const char *pszPath);
 
 /**
  * @name Diagnostic hooks
- * They accept anything and do nothing. The library hands its diagnostic texts to DEBUG_PRINT(); a program that defines a
- * function of that name receives them instead.
+ * They accept anything and do nothing. The library hands its diagnostic texts to DEBUG_PRINT(); a program that defines
+ * a function of that name receives them instead.
  * @{
  */
 void DEBUG_PRINT(const char *pszFormat, ...);

@@ -3,10 +3,8 @@
 // includes this, so that its definitions cannot drift from what the library calls.
 
 #include "OrviCamApi.h"
+#include "foundation/TransportStatus.h"
 #include "transport/TransportRow.h"
-
-/// The transport's own status for an entry point that it has but cannot serve. Never reaches an application.
-#define U3V_CAM_API_STS_FUNCTION_NOT_AVAILABLE UINT32_C(0xB000)
 
 extern "C" {
 #define UC_ENTRY(presence, tested, name, ...) CAM_API_STATUS UC_##name(UC_PARAMETERS(__VA_ARGS__));
