@@ -27,7 +27,8 @@ class InTransfer {
     std::size_t received = 0;
     TransferStatus status = TransferStatus::Completed;
 
-    /// Called once, on the device's thread or on the canceller's, without any lock of the device held.
+    /// Called once, without any lock of the device held: on the device's thread, or inside Submit(), Out(), Cancel(),
+    /// SetHalt() or Unplug() on the caller's thread (an acknowledge is ready before Out() returns). It may call back.
     virtual void Complete() noexcept = 0;
 };
 

@@ -1,0 +1,291 @@
+#include "vcam/Device.h"
+
+namespace Orvi::Vcam {
+
+namespace {
+
+constexpr std::size_t s_packetSize = 1024;
+// A host has one command outstanding; acknowledges that it never fetched do not pile up.
+constexpr std::size_t s_ackDepth = 16;
+constexpr std::uint16_t s_pendingMilliseconds = 500;
+
+} // namespace
+
+std::shared_ptr<VirtualCamera> VirtualCamera::Create(const CameraConfig &config)
+{
+    return std::make_shared<Device>(config);
+}
+
+Device::Device(const CameraConfig &config)
+    : config_(config),
+      userDefinedName_(config.userDefinedName),
+      control_(s_packetSize, [this] { ackOutbox_.Pump(); }),
+      event_(s_packetSize, [this] { eventOutbox_.Pump(); }),
+      stream_(s_packetSize,
+              [this] {
+                  {
+                      const std::lock_guard lock(mutex_);
+                  }
+                  wake_.notify_all();
+              }),
+      ackOutbox_(
+          control_, [this] { return TakeAck(); }, [this] { AckSent(); }),
+      eventOutbox_(
+          event_,
+          [this] {
+              const Lock lock(mutex_);
+              return events_.TakePacket((registers_.Word(Reg::DeviceConfiguration) & 2) != 0);
+          },
+          nullptr)
+{
+    PowerUp();
+    sensor_ = std::thread([this] { RunSensor(); });
+}
+
+Device::~Device()
+{
+    {
+        const std::lock_guard lock(mutex_);
+        isQuitting_ = true;
+    }
+    stream_.Abort();
+    wake_.notify_all();
+    sensor_.join();
+    for (InEndpoint *endpoint : {&control_, &event_, &stream_}) {
+        endpoint->SetGone(true);
+    }
+}
+
+UsbIdentity Device::Identity() const
+{
+    const std::lock_guard lock(mutex_);
+    return Describe();
+}
+
+UsbIdentity Device::Describe() const
+{
+    UsbIdentity identity;
+    // The vendor part is free choice; the unique part is the end of the serial number.
+    const std::string unique = std::string(8, '0') + config_.serial;
+    identity.guid = "ORVI" + unique.substr(unique.size() - 8);
+    identity.vendor = config_.vendor;
+    identity.model = config_.model;
+    identity.family = "Virtual";
+    identity.deviceVersion = "1.0";
+    identity.manufacturerInfo = "A camera in memory";
+    identity.serial = config_.serial;
+    identity.userDefinedName = userDefinedName_;
+    return identity;
+}
+
+InEndpoint *Device::In(Endpoint endpoint)
+{
+    switch (endpoint) {
+    case Endpoint::ControlIn:
+        return &control_;
+    case Endpoint::EventIn:
+        return &event_;
+    case Endpoint::StreamIn:
+        return &stream_;
+    default:
+        return nullptr;
+    }
+}
+
+TransferStatus Device::Out(std::span<const std::byte> data)
+{
+    {
+        const std::lock_guard command(controlMutex_);
+        {
+            const std::lock_guard lock(mutex_);
+            if (!isPlugged_ || isControlOutHalted_) {
+                return isPlugged_ ? TransferStatus::Stalled : TransferStatus::Gone;
+            }
+            isUnplugWritten_ = false;
+        }
+        std::optional<GenCpServer::Packet> ack = server_.Execute(data);
+        if (!ack) {
+            SetHalt(Endpoint::ControlOut);
+            SetHalt(Endpoint::ControlIn);
+            return TransferStatus::Stalled;
+        }
+        QueueAcks(data, std::move(*ack));
+    }
+    ackOutbox_.Pump();
+    eventOutbox_.Pump();
+    return TransferStatus::Completed;
+}
+
+void Device::QueueAcks(std::span<const std::byte> command, GenCpServer::Packet ack)
+{
+    const std::lock_guard lock(mutex_);
+    const auto countDown = [&](std::uint64_t address) {
+        const std::uint32_t left = registers_.Word(address);
+        registers_.SetWord(address, left == 0 ? 0 : left - 1);
+        return left != 0;
+    };
+    // The command that asks for a fault is itself answered as usual.
+    const std::uint64_t target =
+        command.size() >= s_genCpHeader + 8 ? LoadLe<std::uint64_t>(command.data() + s_genCpHeader) : 0;
+    const bool asksForFault = target == Reg::PendingAcks || target == Reg::LostAcks;
+    const bool isPending = !asksForFault && countDown(Reg::PendingAcks);
+    if (ack.empty() || (!asksForFault && countDown(Reg::LostAcks))) {
+        isUnplugRequested_ = isUnplugRequested_ || isUnplugWritten_;
+        wake_.notify_all();
+        return;
+    }
+    if (isPending) {
+        acks_.push_back({GenCpServer::PendingAck(command, s_pendingMilliseconds), false});
+    }
+    acks_.push_back({std::move(ack), isUnplugWritten_});
+    while (acks_.size() > s_ackDepth) {
+        acks_.pop_front();
+    }
+}
+
+std::vector<std::byte> Device::TakeAck()
+{
+    const std::lock_guard lock(mutex_);
+    if (acks_.empty()) {
+        return {};
+    }
+    const Ack ack = std::move(acks_.front());
+    acks_.pop_front();
+    isAckUnplugging_ = ack.unplugs;
+    return ack.packet;
+}
+
+void Device::AckSent()
+{
+    const std::lock_guard lock(mutex_);
+    if (isAckUnplugging_) {
+        isAckUnplugging_ = false;
+        isUnplugRequested_ = true;
+        wake_.notify_all();
+    }
+}
+
+void Device::Submit(Endpoint endpoint, InTransfer &transfer)
+{
+    if (InEndpoint *in = In(endpoint)) {
+        in->Submit(transfer);
+    } else {
+        transfer.status = TransferStatus::Stalled;
+        transfer.Complete();
+    }
+}
+
+bool Device::Cancel(Endpoint endpoint, InTransfer &transfer)
+{
+    InEndpoint *in = In(endpoint);
+    return in != nullptr && in->Cancel(transfer);
+}
+
+void Device::SetHalt(Endpoint endpoint)
+{
+    if (InEndpoint *in = In(endpoint)) {
+        in->SetHalt();
+        return;
+    }
+    const std::lock_guard lock(mutex_);
+    isControlOutHalted_ = true;
+}
+
+void Device::ClearHalt(Endpoint endpoint)
+{
+    {
+        const std::lock_guard lock(mutex_);
+        if (endpoint == Endpoint::ControlOut) {
+            isControlOutHalted_ = false;
+        } else if (endpoint == Endpoint::ControlIn) {
+            acks_.clear();
+        } else if (endpoint == Endpoint::EventIn) {
+            events_.Clear();
+        }
+    }
+    if (InEndpoint *in = In(endpoint)) {
+        in->ClearHalt();
+    }
+    {
+        const std::lock_guard lock(mutex_);
+    } // a sensor that is about to wait has seen the new epoch or will be woken
+    wake_.notify_all();
+}
+
+void Device::Unplug()
+{
+    {
+        const std::lock_guard plug(plugMutex_);
+        {
+            const std::lock_guard lock(mutex_);
+            if (!isPlugged_) {
+                return;
+            }
+            isPlugged_ = false;
+            isUnplugRequested_ = false;
+            acquisition_.isActive = false;
+            acks_.clear();
+            events_.Clear();
+            const std::uint32_t delay = registers_.Word(Reg::ReplugDelay);
+            replugAt_.reset();
+            if (delay != 0) {
+                replugAt_ = Clock::now() + std::chrono::milliseconds(delay);
+            }
+        }
+        for (InEndpoint *endpoint : {&control_, &event_, &stream_}) {
+            endpoint->SetGone(true);
+        }
+    }
+    wake_.notify_all();
+    TellObserver();
+}
+
+void Device::Plug()
+{
+    const std::lock_guard plug(plugMutex_);
+    {
+        const std::lock_guard command(controlMutex_);
+        const std::lock_guard lock(mutex_);
+        if (isPlugged_) {
+            return;
+        }
+        PowerUp();
+        isPlugged_ = true;
+    }
+    for (InEndpoint *endpoint : {&control_, &event_, &stream_}) {
+        endpoint->SetGone(false);
+    }
+    wake_.notify_all();
+}
+
+bool Device::IsPlugged() const
+{
+    const std::lock_guard lock(mutex_);
+    return isPlugged_;
+}
+
+void Device::SetGoneObserver(GoneObserver *observer)
+{
+    Lock lock(observerMutex_);
+    observer_ = observer;
+    // After this the old one may be destroyed; a call that is under way ends first.
+    observerIdle_.wait(
+        lock, [this] { return observerBusy_ == std::thread::id() || observerBusy_ == std::this_thread::get_id(); });
+}
+
+void Device::TellObserver()
+{
+    Lock lock(observerMutex_);
+    GoneObserver *observer = std::exchange(observer_, nullptr);
+    if (observer == nullptr) {
+        return;
+    }
+    observerBusy_ = std::this_thread::get_id();
+    lock.unlock();
+    observer->OnGone();
+    lock.lock();
+    observerBusy_ = {};
+    observerIdle_.notify_all();
+}
+
+} // namespace Orvi::Vcam

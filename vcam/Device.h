@@ -1,0 +1,145 @@
+#pragma once
+// The virtual camera put together: endpoints, registers, control server, events, and the thread on which the sensor
+// lives. Three sources: Device.cpp (USB side and plug), DeviceRegisters.cpp (what writes mean), DeviceSensor.cpp
+// (acquisition).
+
+#include "vcam/ControlBlocks.h"
+#include "vcam/EventQueue.h"
+#include "vcam/GenCpServer.h"
+#include "vcam/Outbox.h"
+#include "vcam/Painter.h"
+#include "vcam/Registers.h"
+#include "vcam/VirtualCamera.h"
+
+#include <chrono>
+#include <thread>
+#include <utility>
+
+namespace Orvi::Vcam {
+
+class Device final : public VirtualCamera, private GenCpMemory {
+  public:
+    explicit Device(const CameraConfig &config);
+    ~Device() override;
+
+    UsbIdentity Identity() const override;
+    TransferStatus Out(std::span<const std::byte> data) override;
+    void Submit(Endpoint endpoint, InTransfer &transfer) override;
+    bool Cancel(Endpoint endpoint, InTransfer &transfer) override;
+    void SetHalt(Endpoint endpoint) override;
+    void ClearHalt(Endpoint endpoint) override;
+    void SetGoneObserver(GoneObserver *observer) override;
+
+    void Unplug() override;
+    void Plug() override;
+    bool IsPlugged() const override;
+    void PokeRegister(std::uint64_t address, std::uint32_t value) override;
+    std::uint32_t PeekRegister(std::uint64_t address) const override;
+    std::uint64_t DroppedBlocks() const override;
+
+  private:
+    using Clock = std::chrono::steady_clock;
+    using Lock = std::unique_lock<std::mutex>;
+
+    struct Ack {
+        GenCpServer::Packet packet;
+        bool unplugs; // the plug is pulled as soon as the host has it
+    };
+    struct Acquisition {
+        bool isActive = false;
+        bool isStopping = false; // the image under way is finished, then no more
+        bool isLimited = false;  // to framesLeft
+        std::uint32_t framesLeft = 0;
+        std::uint64_t run = 0; // counts acquisitions, so that the sensor notices the end of its own
+    };
+
+    // Device.cpp
+    UsbIdentity Describe() const;
+    InEndpoint *In(Endpoint endpoint);
+    void QueueAcks(std::span<const std::byte> command, GenCpServer::Packet ack);
+    std::vector<std::byte> TakeAck();
+    void AckSent();
+    void RequestUnplug();
+    void TellObserver();
+
+    // DeviceRegisters.cpp
+    GenCpStatus Read(std::uint64_t address, std::span<std::byte> to) override;
+    GenCpStatus Write(std::uint64_t address, std::span<const std::byte> from) override;
+    GenCpStatus CheckQuadlet(std::uint64_t address, std::uint32_t value) const;
+    GenCpStatus CheckStreamInterface(std::uint64_t address, std::uint32_t value) const;
+    void Written(std::uint64_t address, std::uint32_t value);
+    void CarryOut(std::uint32_t acquisitionCommand);
+    void WrittenFormat(std::uint64_t address, std::uint32_t value);
+    void UpdatePayloadSize();
+    /// What a write asked for and what must not happen under the lock.
+    void FinishWrite();
+    bool IsStreaming() const { return IsStreamEnabled() || acquisition_.isActive; }
+
+    // PowerUp.cpp
+    void PowerUp();
+
+    // DeviceSensor.cpp
+    PictureSettings Settings() const;
+    std::uint64_t DeviceTime() const;
+    Clock::duration FramePeriod() const;
+    bool IsThrottled() const;
+    void StartAcquisition(std::uint32_t mode);
+    void EndAcquisition();
+    void Raise(EventKind kind, std::uint64_t block);
+    void RaiseAt(EventKind kind, std::uint64_t block, std::uint64_t time);
+    void Announce(Lock &lock);
+    void RunSensor();
+    bool FollowPlug(Lock &lock);
+    bool IsFrameDue(Lock &lock);
+    bool IsStreamEnabled() const { return (registers_.Word(Reg::SiControl) & 1) != 0; }
+    bool HasFramesLeft() const { return !acquisition_.isLimited || acquisition_.framesLeft != 0; }
+    bool IsRun(std::uint64_t run) const { return acquisition_.isActive && acquisition_.run == run && !isQuitting_; }
+    std::uint64_t BeginFrame();
+    void TakeFrame(Lock &lock);
+    void LoseFrame(std::uint64_t block);
+    bool SendFrame(Lock &lock, std::uint64_t block, std::uint64_t time, const PictureSettings &settings);
+    bool SendMessage(std::uint64_t run, std::uint64_t epoch, Message message);
+
+    const CameraConfig config_;
+
+    std::mutex plugMutex_;    // one plug or unplug at a time
+    std::mutex controlMutex_; // one command at a time
+    GenCpServer server_{*this};
+
+    mutable std::mutex mutex_; // all below, as far as it has no lock of its own
+    std::condition_variable wake_;
+    RegisterSpace registers_;
+    std::string userDefinedName_; // survives unplugging
+    std::array<bool, static_cast<std::size_t>(EventKind::Count)> notifications_{};
+    std::deque<Ack> acks_;
+    bool isAckUnplugging_ = false; // the acknowledge under way does
+    bool isUnplugWritten_ = false; // by the command under way
+    bool isStreamCut_ = false;     // by the command under way: what is queued is dropped
+    bool isEventCut_ = false;
+    bool hasEvents_ = false; // raised and not yet handed to the endpoint
+    std::uint32_t lineLevels_ = 0;
+    bool isControlOutHalted_ = false;
+    bool isPlugged_ = true;
+    bool isUnplugRequested_ = false;
+    bool isQuitting_ = false;
+    std::optional<Clock::time_point> replugAt_;
+    Clock::time_point poweredUp_;
+    Acquisition acquisition_;
+    Clock::time_point lastFrame_;
+    bool isFirstFrame_ = true;
+    std::uint64_t nextBlock_ = 0;
+    std::uint64_t dropped_ = 0;
+
+    std::mutex observerMutex_;
+    std::condition_variable observerIdle_;
+    GoneObserver *observer_ = nullptr;
+    std::thread::id observerBusy_; // the thread that is telling it
+
+    EventQueue events_;
+    InEndpoint control_, event_, stream_;
+    Outbox ackOutbox_, eventOutbox_;
+    Painter painter_; // the sensor's thread alone
+    std::thread sensor_;
+};
+
+} // namespace Orvi::Vcam

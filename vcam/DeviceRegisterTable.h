@@ -1,0 +1,63 @@
+#pragma once
+// The camera's own and the virtual-only registers: initial values and what may be written to them.
+
+#include "vcam/ControlBlocks.h"
+#include "vcam/EventQueue.h"
+#include "vcam/Registers.h"
+
+namespace Orvi::Vcam {
+
+/// Sizes in the stream interface are multiples of 2 to this power.
+constexpr std::uint32_t s_streamAlignmentLog2 = 10;
+
+struct DeviceRegister {
+    std::uint64_t address;
+    Rights rights;
+    std::uint32_t initial;
+    std::uint32_t minimum, maximum; ///< of what is written
+    Locked locked;
+};
+
+// clang-format off
+inline constexpr DeviceRegister s_deviceRegisters[] = {
+    // address                 rights             initial     minimum  maximum     locked
+    {Reg::PixelFormat,         Rights::ReadWrite, 0x01080001, 0, 0xFFFFFFFF,       Locked::WhileStreaming},
+    {Reg::TlParamsLocked,      Rights::ReadWrite, 0,          0, 1,                Locked::Never},
+    {Reg::EventSelector,       Rights::ReadWrite, 0,          0, static_cast<std::uint32_t>(EventKind::Count) - 1, Locked::Never},
+    {Reg::EventNotification,   Rights::ReadWrite, 0,          0, 1,                Locked::Never},
+    {Reg::EventLostCount,      Rights::Read,      0,          0, 0,                Locked::Never},
+    {Reg::AcquisitionMode,     Rights::ReadWrite, AcquisitionCommand::Continuous, 1, 9, Locked::Never},
+    {Reg::AcquisitionStart,    Rights::ReadWrite, 0,          1, 1,                Locked::Never},
+    {Reg::AcquisitionAbort,    Rights::ReadWrite, 0,          1, 1,                Locked::Never},
+    {Reg::AcquisitionActive,   Rights::Read,      0,          0, 0,                Locked::Never},
+    {Reg::UnplugNow,           Rights::ReadWrite, 0,          0, 1,                Locked::Never},
+    {Reg::ReplugDelay,         Rights::ReadWrite, 0,          0, 3600000,          Locked::Never},
+    {Reg::DroppedBlocks,       Rights::Read,      0,          0, 0,                Locked::Never},
+    {Reg::Unthrottled,         Rights::ReadWrite, 0,          0, 1,                Locked::Never},
+    {Reg::LineLevels,          Rights::ReadWrite, 0,          0, 0x7,              Locked::Never},
+    {Reg::PendingAcks,         Rights::ReadWrite, 0,          0, 0xFFFFFFFF,       Locked::Never},
+    {Reg::LostAcks,            Rights::ReadWrite, 0,          0, 0xFFFFFFFF,       Locked::Never},
+};
+// clang-format on
+
+constexpr const DeviceRegister *FindDeviceRegister(std::uint64_t address)
+{
+    for (const DeviceRegister &row : s_deviceRegisters) {
+        if (row.address == address) {
+            return &row;
+        }
+    }
+    return nullptr;
+}
+
+inline void LoadDeviceRegisters(RegisterSpace &space)
+{
+    space.AddRegion(Reg::Device, Reg::DeviceSize, Rights::Read);
+    space.AddRegion(Reg::Virtual, Reg::VirtualSize, Rights::Read);
+    for (const DeviceRegister &row : s_deviceRegisters) {
+        space.SetWord(row.address, row.initial);
+        space.SetRights(row.address, 4, row.rights);
+    }
+}
+
+} // namespace Orvi::Vcam

@@ -1,0 +1,232 @@
+#include "vcam/Device.h"
+#include "vcam/DeviceRegisterTable.h"
+
+#include <algorithm>
+
+namespace Orvi::Vcam {
+
+GenCpStatus Device::Read(std::uint64_t address, std::span<std::byte> to)
+{
+    const Lock lock(mutex_);
+    return registers_.Read(address, to);
+}
+
+GenCpStatus Device::Write(std::uint64_t address, std::span<const std::byte> from)
+{
+    {
+        const Lock lock(mutex_);
+        if (const GenCpStatus status = registers_.CheckWrite(address, from.size()); status != GenCpStatus::Success) {
+            return status;
+        }
+        const std::span<std::byte> target = registers_.Bytes(address, from.size());
+        if (registers_.IsText(address)) {
+            std::copy(from.begin(), from.end(), target.begin());
+            const std::span name = registers_.Bytes(Reg::UserDefinedName, 64);
+            const auto end = std::find(name.begin(), name.end(), std::byte{0});
+            userDefinedName_.assign(reinterpret_cast<const char *>(name.data()),
+                                    static_cast<std::size_t>(end - name.begin()));
+            return GenCpStatus::Success;
+        }
+        // All or nothing: each quadlet is checked against those before it, and nothing happens until all have passed.
+        const std::vector<std::byte> before(target.begin(), target.end());
+        for (std::size_t at = 0; at < from.size(); at += 4) {
+            const auto value = LoadLe<std::uint32_t>(from.data() + at);
+            if (const GenCpStatus status = CheckQuadlet(address + at, value); status != GenCpStatus::Success) {
+                std::copy(before.begin(), before.end(), target.begin());
+                return status;
+            }
+            registers_.SetWord(address + at, value);
+        }
+        for (std::size_t at = 0; at < from.size(); at += 4) {
+            Written(address + at, LoadLe<std::uint32_t>(from.data() + at));
+        }
+    }
+    FinishWrite();
+    return GenCpStatus::Success;
+}
+
+GenCpStatus Device::CheckQuadlet(std::uint64_t address, std::uint32_t value) const
+{
+    if (address >= Reg::Control && address < Reg::Control + Reg::ControlSize) {
+        return CheckControlWrite(registers_, address, value, IsStreaming());
+    }
+    if (address >= Reg::Sirm && address < Reg::Sirm + Reg::SirmSize) {
+        return CheckStreamInterface(address, value);
+    }
+    if (address == Reg::EiControl && (value & 1) != 0 && event_.IsHalted()) {
+        return GenCpStatus::EventEndpointHalted;
+    }
+    const DeviceRegister *row = FindDeviceRegister(address);
+    if (row == nullptr) {
+        return GenCpStatus::Success;
+    }
+    if (row->locked == Locked::WhileStreaming && IsStreaming()) {
+        return GenCpStatus::AccessDenied;
+    }
+    const bool isInRange = value >= row->minimum && value <= row->maximum;
+    const bool isKnown = address != Reg::PixelFormat || FindPixelFormat(value) != nullptr;
+    return isInRange && isKnown ? GenCpStatus::Success : GenCpStatus::InvalidParameter;
+}
+
+GenCpStatus Device::CheckStreamInterface(std::uint64_t address, std::uint32_t value) const
+{
+    const bool isEnabled = (registers_.Word(Reg::SiControl) & 1) != 0;
+    if (address == Reg::SiControl) {
+        if ((value & 1) == 0 || isEnabled) {
+            return GenCpStatus::Success;
+        }
+        if (stream_.IsHalted()) {
+            return GenCpStatus::StreamEndpointHalted;
+        }
+        const auto word = [this](std::uint64_t at) { return std::uint64_t{registers_.Word(at)}; };
+        const std::uint64_t room = word(Reg::SiTransferSize) * word(Reg::SiTransferCount) +
+                                   word(Reg::SiFinalTransfer1) + word(Reg::SiFinalTransfer2);
+        const bool isConsistent = word(Reg::SiMaxLeader) >= word(Reg::SiRequiredLeader) &&
+                                  word(Reg::SiMaxTrailer) >= word(Reg::SiRequiredTrailer) &&
+                                  room >= word(Reg::SiRequiredPayload);
+        return isConsistent ? GenCpStatus::Success : GenCpStatus::StreamInconsistent;
+    }
+    if (isEnabled) {
+        return GenCpStatus::WrongConfig;
+    }
+    // Transfer size and count are free: a host may put a whole image of any size into one transfer.
+    const bool isFree = address == Reg::SiTransferSize || address == Reg::SiTransferCount;
+    return isFree || value % (1u << s_streamAlignmentLog2) == 0 ? GenCpStatus::Success : GenCpStatus::SizeNotAligned;
+}
+
+void Device::Written(std::uint64_t address, std::uint32_t value)
+{
+    switch (address) {
+    case Reg::TimestampLatch:
+        registers_.SetLong(Reg::Timestamp, DeviceTime());
+        break;
+    case Reg::SiControl:
+        if ((value & 1) == 0) {
+            EndAcquisition();
+            isStreamCut_ = true;
+        } else {
+            nextBlock_ = 0;
+        }
+        break;
+    case Reg::EiControl:
+        if ((value & 1) == 0) {
+            events_.Clear();
+            isEventCut_ = true;
+        }
+        break;
+    case Reg::EiTestControl:
+        if ((value & 1) != 0) {
+            Raise(EventKind::Test, 0);
+        }
+        registers_.SetWord(address, 0);
+        break;
+    case Reg::EventSelector:
+        registers_.SetWord(Reg::EventNotification, notifications_[value] ? 1 : 0);
+        break;
+    case Reg::EventNotification:
+        notifications_[registers_.Word(Reg::EventSelector)] = value != 0;
+        break;
+    case Block::AcquisitionCommand + 0x1C:
+        registers_.SetWord(address, 0);
+        CarryOut(value);
+        break;
+    case Reg::AcquisitionStart:
+        registers_.SetWord(address, 0);
+        CarryOut(registers_.Word(Reg::AcquisitionMode));
+        break;
+    case Reg::AcquisitionAbort:
+        registers_.SetWord(address, 0);
+        CarryOut(AcquisitionCommand::Abort);
+        break;
+    case Reg::UnplugNow:
+        isUnplugWritten_ = value != 0;
+        break;
+    case Reg::LineLevels: {
+        const bool isRising = (value & ~lineLevels_ & 1) != 0;
+        lineLevels_ = value;
+        if (isRising) {
+            Raise(EventKind::Line0RisingEdge, 0);
+        }
+        break;
+    }
+    default:
+        WrittenFormat(address, value);
+        break;
+    }
+}
+
+void Device::CarryOut(std::uint32_t acquisitionCommand)
+{
+    switch (acquisitionCommand) {
+    case AcquisitionCommand::Abort:
+        EndAcquisition();
+        break;
+    case AcquisitionCommand::Stop:
+        acquisition_.isStopping = acquisition_.isActive;
+        break;
+    default:
+        StartAcquisition(acquisitionCommand);
+        break;
+    }
+}
+
+void Device::WrittenFormat(std::uint64_t address, std::uint32_t value)
+{
+    constexpr std::uint32_t coding = Block::PixelCoding + 0x1C, size = Block::PixelSize + 0x1C;
+    if (address == Reg::PixelFormat) {
+        const PixelFormat &format = *FindPixelFormat(value);
+        registers_.SetWord(coding, format.coding);
+        registers_.SetWord(size, format.size);
+    } else if (address == coding || address == size) {
+        // Coding and size are written one after the other; a pair that is no format changes nothing yet.
+        if (const PixelFormat *format = FindPixelFormat(registers_.Word(coding), registers_.Word(size))) {
+            registers_.SetWord(Reg::PixelFormat, format->code);
+        }
+    }
+    UpdatePayloadSize();
+}
+
+void Device::UpdatePayloadSize() { registers_.SetLong(Reg::SiRequiredPayload, Settings().ImageBytes()); }
+
+void Device::FinishWrite()
+{
+    bool isStreamCut, isEventCut;
+    {
+        const Lock lock(mutex_);
+        isStreamCut = std::exchange(isStreamCut_, false);
+        isEventCut = std::exchange(isEventCut_, false);
+    }
+    if (isStreamCut) {
+        stream_.Abort();
+    }
+    if (isEventCut) {
+        event_.Abort();
+    }
+    wake_.notify_all();
+}
+
+void Device::PokeRegister(std::uint64_t address, std::uint32_t value)
+{
+    {
+        const Lock lock(mutex_);
+        registers_.SetWord(address, value);
+        Written(address, value);
+        isUnplugRequested_ = isUnplugRequested_ || std::exchange(isUnplugWritten_, false);
+    }
+    FinishWrite();
+    eventOutbox_.Pump();
+}
+
+std::uint32_t Device::PeekRegister(std::uint64_t address) const
+{
+    const Lock lock(mutex_);
+    return registers_.Word(address);
+}
+
+std::uint64_t Device::DroppedBlocks() const
+{
+    const Lock lock(mutex_);
+    return dropped_;
+}
+
+} // namespace Orvi::Vcam

@@ -1,0 +1,133 @@
+#include "vcam/Description.h"
+#include "vcam/Device.h"
+#include "vcam/DeviceRegisterTable.h"
+
+#include <algorithm>
+
+namespace Orvi::Vcam {
+
+namespace {
+
+constexpr std::uint64_t s_capability = 1u << 0     // user-defined name
+                                       | 1u << 3   // time stamps
+                                       | 1u << 8   // family name
+                                       | 1u << 9   // technology-specific registers
+                                       | 1u << 10  // endianness registers
+                                       | 1u << 11  // write acknowledges tell the length
+                                       | 1u << 12  // several events in a packet
+                                       | 1u << 13  // stacked commands
+                                       | 1u << 14; // software version
+
+constexpr std::uint32_t s_leaderSize = 52, s_trailerSize = 32;
+
+void LoadAbrm(RegisterSpace &space, const UsbIdentity &identity)
+{
+    space.AddRegion(0, Reg::AbrmSize, Rights::Read);
+    space.SetWord(Reg::GenCpVersion, 0x00010000);
+    // clang-format off
+    const std::pair<std::uint64_t, std::string_view> texts[] = {
+        {Reg::ManufacturerName, identity.vendor},           {Reg::ModelName,     identity.model},
+        {Reg::FamilyName,       identity.family},           {Reg::DeviceVersion, identity.deviceVersion},
+        {Reg::ManufacturerInfo, identity.manufacturerInfo}, {Reg::SerialNumber,  identity.serial},
+        {Reg::UserDefinedName,  identity.userDefinedName},  {Reg::SoftwareVersion, "1.0"},
+    };
+    // clang-format on
+    for (const auto &[address, text] : texts) {
+        space.SetText(address, 64, text);
+    }
+    space.SetRights(Reg::UserDefinedName, 64, Rights::Text);
+    space.SetLong(Reg::DeviceCapability, s_capability);
+    space.SetWord(Reg::MaxResponseTime, 500);
+    space.SetLong(Reg::ManifestTableAddress, Reg::ManifestTable);
+    space.SetLong(Reg::SbrmAddress, Reg::Sbrm);
+    space.SetRights(Reg::DeviceConfiguration, 16, Rights::ReadWrite); // with heartbeat and message channel
+    space.SetRights(Reg::TimestampLatch, 4, Rights::Write);
+    space.SetLong(Reg::TimestampIncrement, 1);
+    space.SetRights(Reg::AccessPrivilege, 4, Rights::ReadWrite);
+    space.SetWord(Reg::ProtocolEndianness, 0xFFFFFFFF);
+    space.SetWord(Reg::ImplementationEndianness, 0xFFFFFFFF);
+}
+
+void LoadSbrm(RegisterSpace &space, LinkSpeed speed)
+{
+    space.AddRegion(Reg::Sbrm, Reg::SbrmSize, Rights::Read);
+    FieldWriter(space.Bytes(Reg::Sbrm, Reg::SbrmSize))
+        .Put(std::uint32_t{0x00010000}) // U3V version 1.0
+        .Put(std::uint64_t{0x7})        // stream, event and control-register interfaces
+        .Put(std::uint64_t{0})          // configuration
+        .Put(static_cast<std::uint32_t>(s_maxCommand))
+        .Put(static_cast<std::uint32_t>(s_maxAck))
+        .Put(std::uint32_t{1}) // stream channels
+        .Put(Reg::Sirm)
+        .Put(Reg::SirmSize)
+        .Put(Reg::Eirm)
+        .Put(Reg::EirmSize)
+        .Put(Reg::Control)
+        .Put(static_cast<std::uint32_t>(speed));
+}
+
+void LoadSirm(RegisterSpace &space)
+{
+    space.AddRegion(Reg::Sirm, Reg::SirmSize, Rights::Read);
+    space.SetWord(Reg::SiInfo, s_streamAlignmentLog2 << 24);
+    space.SetRights(Reg::SiControl, 4, Rights::ReadWrite);
+    space.SetWord(Reg::SiRequiredLeader, s_leaderSize);
+    space.SetWord(Reg::SiRequiredTrailer, s_trailerSize);
+    space.SetRights(Reg::SiMaxLeader, Reg::SiMaxTrailer + 4 - Reg::SiMaxLeader, Rights::ReadWrite);
+}
+
+void LoadEirm(RegisterSpace &space)
+{
+    space.AddRegion(Reg::Eirm, Reg::EirmSize, Rights::Read);
+    space.SetRights(Reg::EiControl, 4, Rights::ReadWrite);
+    space.SetWord(Reg::EiMaxTransfer, s_maxEventTransfer);
+    space.SetRights(Reg::EiTestControl, 4, Rights::ReadWrite);
+}
+
+void LoadManifest(RegisterSpace &space)
+{
+    const std::span archive = DescriptionArchive();
+    space.AddRegion(Reg::ManifestTable, Reg::ManifestTableSize, Rights::Read);
+    const std::span table = space.Bytes(Reg::ManifestTable, Reg::ManifestTableSize);
+    FieldWriter(table)
+        .Put(std::uint64_t{1})
+        .Put(std::uint32_t{0x01000000}) // file version 1.0.0
+        .Put(std::uint32_t{0x01010400}) // schema 1.1, zipped, device description
+        .Put(Reg::DescriptionFile)
+        .Put(static_cast<std::uint64_t>(archive.size()));
+    std::copy(DescriptionSha1().begin(), DescriptionSha1().end(), table.begin() + 8 + 0x18);
+    space.AddImage(Reg::DescriptionFile, archive);
+}
+
+} // namespace
+
+void Device::PowerUp()
+{
+    const UsbIdentity identity = Describe();
+    registers_ = RegisterSpace();
+    LoadAbrm(registers_, identity);
+    LoadSbrm(registers_, identity.speed);
+    LoadSirm(registers_);
+    LoadEirm(registers_);
+    LoadManifest(registers_);
+    registers_.AddRegion(Reg::Control, Reg::ControlSize, Rights::Read);
+    LoadControlBlocks(registers_, config_.sensorWidth, config_.sensorHeight);
+    LoadDeviceRegisters(registers_);
+
+    server_.Reset();
+    events_.Reset();
+    acks_.clear();
+    notifications_.fill(false);
+    notifications_[static_cast<std::size_t>(EventKind::Test)] = true;
+    isControlOutHalted_ = false;
+    isUnplugRequested_ = false;
+    replugAt_.reset();
+    poweredUp_ = Clock::now();
+    acquisition_ = {};
+    nextBlock_ = 0;
+    lineLevels_ = 0;
+    dropped_ = 0;
+    UpdatePayloadSize();
+}
+
+} // namespace Orvi::Vcam

@@ -1,0 +1,94 @@
+#pragma once
+// Addresses of all registers but the control blocks' (ControlBlocks.h): bootstrap, device and virtual-only ones.
+
+#include <cstdint>
+
+namespace Orvi::Vcam::Reg {
+
+// clang-format off
+// Technology-agnostic bootstrap registers
+constexpr std::uint64_t GenCpVersion          = 0x000;
+constexpr std::uint64_t ManufacturerName      = 0x004; // texts of 64 bytes
+constexpr std::uint64_t ModelName             = 0x044;
+constexpr std::uint64_t FamilyName            = 0x084;
+constexpr std::uint64_t DeviceVersion         = 0x0C4;
+constexpr std::uint64_t ManufacturerInfo      = 0x104;
+constexpr std::uint64_t SerialNumber          = 0x144;
+constexpr std::uint64_t UserDefinedName       = 0x184;
+constexpr std::uint64_t DeviceCapability      = 0x1C4;
+constexpr std::uint64_t MaxResponseTime       = 0x1CC;
+constexpr std::uint64_t ManifestTableAddress  = 0x1D0;
+constexpr std::uint64_t SbrmAddress           = 0x1D8;
+constexpr std::uint64_t DeviceConfiguration   = 0x1E0; // bit 1: several events in a packet
+constexpr std::uint64_t HeartbeatTimeout      = 0x1E8;
+constexpr std::uint64_t MessageChannelId      = 0x1EC;
+constexpr std::uint64_t Timestamp             = 0x1F0;
+constexpr std::uint64_t TimestampLatch        = 0x1F8;
+constexpr std::uint64_t TimestampIncrement    = 0x1FC;
+constexpr std::uint64_t AccessPrivilege       = 0x204;
+constexpr std::uint64_t ProtocolEndianness    = 0x208;
+constexpr std::uint64_t ImplementationEndianness = 0x20C;
+constexpr std::uint64_t SoftwareVersion       = 0x210;
+constexpr std::uint32_t AbrmSize              = 0x250;
+
+// Technology-specific bootstrap registers
+constexpr std::uint64_t Sbrm                  = 0x10000;
+constexpr std::uint32_t SbrmSize              = 0x44;
+
+// Stream interface
+constexpr std::uint64_t Sirm                  = 0x20000;
+constexpr std::uint64_t SiInfo                = Sirm + 0x00;
+constexpr std::uint64_t SiControl             = Sirm + 0x04;
+constexpr std::uint64_t SiRequiredPayload     = Sirm + 0x08;
+constexpr std::uint64_t SiRequiredLeader      = Sirm + 0x10;
+constexpr std::uint64_t SiRequiredTrailer     = Sirm + 0x14;
+constexpr std::uint64_t SiMaxLeader           = Sirm + 0x18;
+constexpr std::uint64_t SiTransferSize        = Sirm + 0x1C;
+constexpr std::uint64_t SiTransferCount       = Sirm + 0x20;
+constexpr std::uint64_t SiFinalTransfer1      = Sirm + 0x24;
+constexpr std::uint64_t SiFinalTransfer2      = Sirm + 0x28;
+constexpr std::uint64_t SiMaxTrailer          = Sirm + 0x2C;
+constexpr std::uint32_t SirmSize              = 0x30;
+
+// Event interface
+constexpr std::uint64_t Eirm                  = 0x30000;
+constexpr std::uint64_t EiControl             = Eirm + 0x00;
+constexpr std::uint64_t EiMaxTransfer         = Eirm + 0x04;
+constexpr std::uint64_t EiTestControl         = Eirm + 0x08;
+constexpr std::uint32_t EirmSize              = 0x0C;
+
+// Description
+constexpr std::uint64_t ManifestTable         = 0x40000;
+constexpr std::uint32_t ManifestTableSize     = 8 + 64;
+constexpr std::uint64_t DescriptionFile       = 0x80000;
+
+// Control blocks
+constexpr std::uint64_t Control               = 0x200000;
+constexpr std::uint32_t ControlSize           = 0x20000;
+
+// The camera's own registers, for features that the control blocks lack
+constexpr std::uint64_t Device                = 0x230000;
+constexpr std::uint64_t PixelFormat           = Device + 0x00; // PFNC code of coding and size together
+constexpr std::uint64_t TlParamsLocked        = Device + 0x04;
+constexpr std::uint64_t EventSelector         = Device + 0x08; // index of an event kind
+constexpr std::uint64_t EventNotification     = Device + 0x0C; // of the selected event: 0 off, 1 on
+constexpr std::uint64_t EventLostCount        = Device + 0x10; // events that found the queue full
+constexpr std::uint64_t AcquisitionMode       = Device + 0x14; // 8 continuous, 9 multi-frame, 1 single frame
+constexpr std::uint64_t AcquisitionStart      = Device + 0x18; // write 1: starts in that mode
+constexpr std::uint64_t AcquisitionAbort      = Device + 0x1C; // write 1
+constexpr std::uint64_t AcquisitionActive     = Device + 0x20; // 1 while images are taken
+constexpr std::uint32_t DeviceSize            = 0x100;
+
+// What no real camera has: see docs/virtual-camera.md
+constexpr std::uint64_t Virtual               = 0x0F000000;
+constexpr std::uint64_t UnplugNow             = Virtual + 0x00;
+constexpr std::uint64_t ReplugDelay           = Virtual + 0x04; // ms; 0: stay unplugged
+constexpr std::uint64_t DroppedBlocks         = Virtual + 0x08;
+constexpr std::uint64_t Unthrottled           = Virtual + 0x0C;
+constexpr std::uint64_t LineLevels            = Virtual + 0x10; // bit i: level at line i's pin
+constexpr std::uint64_t PendingAcks           = Virtual + 0x14; // commands that are answered with PENDING_ACK first
+constexpr std::uint64_t LostAcks              = Virtual + 0x18; // commands that are carried out but not answered
+constexpr std::uint32_t VirtualSize           = 0x40;
+// clang-format on
+
+} // namespace Orvi::Vcam::Reg

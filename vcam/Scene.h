@@ -1,0 +1,91 @@
+#pragma once
+// What the sensor sees and what becomes of it: every pixel as a pure function of the settings and the block id. The
+// camera draws with it, and tests compare delivered images with RenderReference().
+
+#include "vcam/PixelFormats.h"
+
+#include <array>
+#include <optional>
+#include <span>
+
+namespace Orvi::Vcam {
+
+/// All that an image depends on besides its block id.
+struct PictureSettings {
+    std::uint32_t sensorWidth = 0, sensorHeight = 0;
+    std::uint32_t width = 0, height = 0, offsetX = 0, offsetY = 0;
+    std::uint32_t pixelFormat = 0x01080001; ///< PFNC, one of s_pixelFormats
+    std::uint32_t exposure = 10000;         ///< µs
+    std::uint32_t gain = 0;                 ///< 0.01 dB
+    std::uint32_t blackLevel = 0;           ///< of 4095
+    std::uint32_t testPattern = 0;
+
+    bool operator==(const PictureSettings &) const = default;
+    const PixelFormat &Format() const;
+    std::size_t LineBytes() const { return std::size_t{width} * Format().bytesPerPixel; }
+    std::size_t ImageBytes() const { return LineBytes() * height; }
+};
+
+/// Light or signal of the three colours, 0 to s_white.
+struct Signal {
+    std::uint32_t red, green, blue;
+};
+constexpr std::uint32_t s_white = 4095;
+
+/// The moving subject: a disc, in sensor coordinates.
+struct Subject {
+    std::int64_t x, y, radius;
+};
+
+/// A range of columns or lines; empty when last < first.
+struct Interval {
+    std::int64_t first, last;
+    bool IsEmpty() const { return last < first; }
+};
+
+class Scene {
+  public:
+    explicit Scene(const PictureSettings &settings);
+
+    /// The picture without subject and block id.
+    Signal Background(std::uint32_t x, std::uint32_t y) const;
+    Signal SubjectSignal() const;
+    Subject SubjectOf(std::uint64_t block) const;
+    /// The lines of the image that the subject meets, and its columns in one of them.
+    Interval SubjectLines(const Subject &subject) const;
+    Interval SubjectColumns(const Subject &subject, std::int64_t line) const;
+    /// Writes one pixel; returns the bytes after it.
+    std::byte *Encode(Signal signal, std::uint32_t x, std::uint32_t y, std::byte *to) const;
+
+  private:
+    std::uint32_t Develop(std::uint64_t light) const;
+
+    const PictureSettings settings_;
+    const PixelFormat &format_;
+    std::uint64_t factor_; // light to signal, 16 bits after the point
+};
+
+/// The block id in the picture: its bits in line 0, its digits in a black box below.
+class BlockIdMark {
+  public:
+    BlockIdMark(const PictureSettings &settings, std::uint64_t block);
+
+    /// White (true), black (false), or no part of the mark.
+    std::optional<bool> At(std::uint32_t x, std::uint32_t y) const;
+    std::uint32_t BitColumns() const { return bitColumns_; }
+    bool Bit(std::uint32_t x) const { return (block_ >> (bitColumns_ - 1 - x) & 1) != 0; }
+    Interval BoxLines() const { return {scale_, std::int64_t{scale_} * 10 - 1}; }
+    Interval BoxColumns() const { return {scale_, std::int64_t{scale_} * (2 + 6 * digitCount_) - 1}; }
+
+  private:
+    std::uint64_t block_;
+    std::uint32_t bitColumns_;
+    std::uint32_t scale_;
+    std::uint32_t digitCount_ = 0;
+    std::array<std::uint8_t, 20> digits_{};
+};
+
+/// Draws a whole image pixel by pixel; `image` has ImageBytes().
+void RenderReference(const PictureSettings &settings, std::uint64_t block, std::span<std::byte> image);
+
+} // namespace Orvi::Vcam
