@@ -16,24 +16,28 @@ namespace {
 constexpr char s_transportFile[] = "lib/libOrviU3vCamApi_64.so";
 constexpr char s_virtualHint[] = "for a virtual camera say --virtual 1 or set ORVI_VIRTUAL_CAMERAS=1";
 
-/// An SDK unpacks flat, so that bin/orvicam finds the transport in ../lib wherever the folder was put.
-void FindSdkBesideProgram()
+/// An SDK unpacks flat, so that bin/orvicam finds the transport in ../lib wherever the folder was put. Returns the path
+/// that was tried in vain, if any.
+std::filesystem::path FindSdkBesideProgram()
 {
     if (std::getenv("ORVICAMSDK") != nullptr)
-        return;
+        return {};
     std::error_code error;
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
     const std::filesystem::path sdk = program.parent_path().parent_path();
-    if (!error && std::filesystem::exists(sdk / s_transportFile, error))
-        setenv("ORVICAMSDK", sdk.c_str(), 1);
+    if (!std::filesystem::exists(sdk / s_transportFile, error))
+        return sdk / s_transportFile;
+    setenv("ORVICAMSDK", sdk.c_str(), 1);
+    return {};
 }
 
-Failure NoTransport(CAM_API_STATUS status)
+Failure NoTransport(CAM_API_STATUS status, const std::filesystem::path &triedBefore)
 {
     // The library has set ORVICAMSDK to the folder that it used.
     const char *sdk = std::getenv("ORVICAMSDK");
     const std::filesystem::path path =
         std::filesystem::path(sdk != nullptr ? sdk : "/opt/OrviCamSDK") / s_transportFile;
+    const std::string before = triedBefore.empty() ? "" : triedBefore.string() + ", then ";
     std::string why;
     if (!std::filesystem::exists(path)) {
         why = "there is no such file";
@@ -43,8 +47,9 @@ Failure NoTransport(CAM_API_STATUS status)
         dlclose(transport);
         why = "it lacks entries or does not start";
     }
-    return {ExitCode::NoTransport, "no transport: tried " + path.string() + ": " + why + " (status " + Hex(status) +
-                                       "). Set ORVICAMSDK to the SDK folder, the one that holds " + s_transportFile};
+    return {ExitCode::NoTransport, "no transport: tried " + before + path.string() + ": " + why + " (status " +
+                                       Hex(status) + "). Set ORVICAMSDK to the SDK folder, the one that holds " +
+                                       s_transportFile};
 }
 
 template <std::size_t size>
@@ -122,9 +127,9 @@ Session::Session(const std::optional<unsigned> &virtualCameras)
 {
     if (virtualCameras)
         setenv("ORVI_VIRTUAL_CAMERAS", std::to_string(*virtualCameras).c_str(), 1);
-    FindSdkBesideProgram();
+    const std::filesystem::path tried = FindSdkBesideProgram();
     if (const CAM_API_STATUS status = Sys_Initialize(SYS_INIT_ALL); status != CAM_API_STS_SUCCESS)
-        throw NoTransport(status);
+        throw NoTransport(status, tried);
     try {
         std::uint32_t count = 0;
         Check(Sys_GetNumOfCameras(&count), "looking for cameras");
