@@ -2,13 +2,10 @@
 // From camera and node handles to cameras.
 
 #include "u3v/core/Handles.h"
+#include "u3v/genapi/NodeTypes.h"
 
 #include <cstdint>
 #include <memory>
-
-namespace Orvi::GenApi {
-using NodeId = std::uint32_t;
-}
 
 namespace Orvi::U3v {
 

@@ -73,10 +73,10 @@ LoopbackLink::LoopbackLink(std::shared_ptr<Vcam::UsbFunction> device)
     device_->SetGoneObserver(this);
 }
 
-LoopbackLink::~LoopbackLink()
+void LoopbackLink::Close()
 {
     // After an unplug the device's observer may be the next link already.
-    if (!IsGone())
+    if (!isGone_.exchange(true))
         device_->SetGoneObserver(nullptr);
 }
 
@@ -106,6 +106,8 @@ std::unique_ptr<BulkIn> LoopbackLink::NewTransfer(Pipe pipe, BulkIn::Listener &l
 
 void LoopbackLink::SetHalt(Pipe pipe)
 {
+    if (isGone_)
+        return;
     if (pipe == Pipe::Control)
         device_->SetHalt(Vcam::Endpoint::ControlOut);
     device_->SetHalt(InEndpointOf(pipe));
@@ -113,6 +115,8 @@ void LoopbackLink::SetHalt(Pipe pipe)
 
 void LoopbackLink::ClearHalt(Pipe pipe)
 {
+    if (isGone_)
+        return;
     if (pipe == Pipe::Control)
         device_->ClearHalt(Vcam::Endpoint::ControlOut);
     device_->ClearHalt(InEndpointOf(pipe));

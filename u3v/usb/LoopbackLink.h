@@ -12,7 +12,7 @@ namespace Orvi::U3v {
 class LoopbackLink : public UsbLink, private Vcam::UsbFunction::GoneObserver {
   public:
     explicit LoopbackLink(std::shared_ptr<Vcam::UsbFunction> device);
-    ~LoopbackLink() override;
+    ~LoopbackLink() override { Close(); }
 
     const DeviceIdentity &Identity() const override { return identity_; }
     bool HasPipe(Pipe) const override { return true; }
@@ -23,6 +23,7 @@ class LoopbackLink : public UsbLink, private Vcam::UsbFunction::GoneObserver {
     void SetHalt(Pipe pipe) override;
     void ClearHalt(Pipe pipe) override;
     bool IsGone() const override { return isGone_; }
+    void Close() override;
     void SetGoneListener(GoneListener *listener) override;
 
     static DeviceIdentity IdentityOf(const Vcam::UsbIdentity &device);

@@ -102,6 +102,8 @@ class UsbLink {
     virtual void ClearHalt(Pipe pipe) = 0;
 
     virtual bool IsGone() const = 0;
+    /// Gives the device back. No transfer may be pending; from now on the device is gone for this link.
+    virtual void Close() = 0;
     /// Calls at once when the device is gone already. After SetGoneListener(nullptr) has returned it calls no more.
     virtual void SetGoneListener(GoneListener *listener) = 0;
 };

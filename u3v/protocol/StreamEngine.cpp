@@ -1,0 +1,459 @@
+#include "u3v/protocol/StreamEngine.h"
+
+#include "u3v/core/Log.h"
+#include "u3v/protocol/Acquisition.h"
+
+#include <algorithm>
+#include <ctime>
+
+namespace Orvi::U3v {
+namespace {
+
+constexpr std::size_t maxFrames = 16, minFrames = 2;
+
+std::uint64_t HostTime()
+{
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<std::uint64_t>(now.tv_sec) * 1'000'000'000 + static_cast<std::uint64_t>(now.tv_nsec);
+}
+
+} // namespace
+
+StreamEngine::StreamEngine(std::shared_ptr<Camera> camera, std::size_t maxTransferSize, Sink &sink)
+    : camera_(std::move(camera)),
+      link_(camera_->Link()),
+      maxTransferSize_(maxTransferSize),
+      sink_(sink),
+      budget_(link_.MaxBytesInFlight())
+{
+    if (camera_->Map().sirm == 0 || !link_.HasPipe(Pipe::Stream))
+        throw StatusError(CAM_API_STS_NOT_IMPLEMENTED, "the camera has no stream interface");
+    camera_->Attach(Pipe::Stream, *this);
+    try {
+        ClearEndpoint();
+        StopCamera();
+        thread_ = std::thread([this] { Run(); });
+    } catch (...) {
+        camera_->Detach(Pipe::Stream, *this);
+        throw;
+    }
+}
+
+StreamEngine::~StreamEngine() { Close(); }
+
+void StreamEngine::Start(std::uint32_t acquisitionMode)
+{
+    const auto operation = LockOperation();
+    GenCp &control = camera_->Control();
+    const std::uint64_t sirm = camera_->Map().sirm;
+    {
+        std::lock_guard lock(mutex_);
+        if (isGone_)
+            throw StatusError(CAM_API_STS_CAMERA_NOT_RESPONDING, "the camera was unplugged");
+        if (isRunning_)
+            return;
+    }
+    WriteRegister(control, sirm, Sirm::control, 0U);
+    ClearEndpoint();
+    const StreamLayout layout = NegotiateLayout(control, sirm, link_.MaxPacketSize(Pipe::Stream), maxTransferSize_);
+
+    std::unique_lock lock(mutex_);
+    PrepareFrames(layout);
+    lastBlockId_.reset();
+    lostCount_ = 0;
+    realigned_ = 0;
+    notBefore_ = {};
+    isRunning_ = true;
+    // A camera that finds no transfer when it begins to send throws its first images away.
+    AskThread(lock, wantsPost_);
+    lock.unlock();
+    try {
+        WriteRegister(control, sirm, Sirm::control, 1U);
+        StartAcquisition(*camera_, acquisitionMode);
+    } catch (...) {
+        try {
+            StopCamera();
+        } catch (const StatusError &) {
+            // The first failure is the one to report.
+        }
+        lock.lock();
+        AskThread(lock, wantsStop_);
+        throw;
+    }
+}
+
+void StreamEngine::Stop()
+{
+    const auto operation = LockOperation();
+    std::unique_lock lock(mutex_);
+    if (!isRunning_) {
+        if (isGone_)
+            throw StatusError(CAM_API_STS_CAMERA_NOT_RESPONDING, "the camera was unplugged");
+        return;
+    }
+    lock.unlock();
+    std::exception_ptr failure;
+    try {
+        StopAcquisition(*camera_);
+    } catch (const StatusError &) {
+        failure = std::current_exception();
+    }
+    try {
+        StopCamera();
+    } catch (const StatusError &) {
+        failure = std::current_exception();
+    }
+    lock.lock();
+    AskThread(lock, wantsStop_);
+    if (failure != nullptr)
+        std::rethrow_exception(failure);
+}
+
+void StreamEngine::Flush()
+{
+    std::unique_lock lock(mutex_);
+    if (!wantsQuit_)
+        AskThread(lock, wantsFlush_);
+}
+
+void StreamEngine::Close()
+{
+    if (IsOwnThread())
+        throw StatusError(CAM_API_STS_BUSY, "a stream cannot be closed by its own callback");
+    try {
+        Stop();
+    } catch (const StatusError &error) {
+        LogDevice(CAM_LOG_LEVEL_WARN, "stream of %s stopped without the camera: %s", link_.Identity().serial.c_str(),
+                  error.what());
+    }
+    const auto operation = LockOperation();
+    if (isClosed_)
+        return;
+    isClosed_ = true;
+    try {
+        StopCamera();
+    } catch (const StatusError &) {
+        // The camera is gone or silent; there is nothing left to stop.
+    }
+    {
+        std::lock_guard lock(mutex_);
+        wantsQuit_ = true;
+        wake_.notify_all();
+    }
+    thread_.join();
+    camera_->Detach(Pipe::Stream, *this);
+}
+
+void StreamEngine::Queue(StreamRequest &request)
+{
+    std::lock_guard lock(mutex_);
+    if (isCameraClosed_)
+        throw StatusError(CAM_API_STS_INVALID_CAMERA_HANDLE, "the camera is closed");
+    if (isGone_)
+        throw StatusError(CAM_API_STS_CAMERA_NOT_RESPONDING, "the camera was unplugged");
+    request.place = StreamRequest::Place::Waiting;
+    waiting_.PushBack(request);
+    if (isRunning_)
+        wake_.notify_one();
+}
+
+// A wait here would be for ever when the callback of the thread that stops is the one that waits.
+std::unique_lock<std::mutex> StreamEngine::LockOperation()
+{
+    if (!IsOwnThread())
+        return std::unique_lock(operation_);
+    std::unique_lock lock(operation_, std::try_to_lock);
+    if (!lock.owns_lock())
+        throw StatusError(CAM_API_STS_BUSY, "the stream is being started or stopped by another thread");
+    return lock;
+}
+
+void StreamEngine::AskThread(std::unique_lock<std::mutex> &lock, bool &wish)
+{
+    wish = true;
+    if (IsOwnThread()) {
+        while (wish)
+            Work(lock);
+        return;
+    }
+    wake_.notify_one();
+    idle_.wait(lock, [&] { return !wish || wantsQuit_; });
+}
+
+void StreamEngine::PrepareFrames(const StreamLayout &layout)
+{
+    const std::size_t fitting = budget_ / std::max<std::size_t>(layout.BytesInFlight(), 1);
+    const std::size_t count = std::clamp(fitting, minFrames, maxFrames);
+    if (layout == layout_ && count == frames_.size())
+        return;
+    layout_ = {};
+    frames_.clear();
+    BulkIn::Listener &listener = *this;
+    spill_ = std::make_unique_for_overwrite<std::byte[]>(layout.MaxSlot());
+    for (std::size_t i = 0; i < count; ++i)
+        frames_.push_back(
+            std::make_unique<StreamFrame>(link_, listener, layout, i, std::span(spill_.get(), layout.MaxSlot())));
+    layout_ = layout;
+    head_ = 0;
+}
+
+void StreamEngine::StopCamera()
+{
+    GenCp &control = camera_->Control();
+    const std::uint64_t sirm = camera_->Map().sirm;
+    if (ReadRegister(control, sirm, Sirm::control) != 0)
+        WriteRegister(control, sirm, Sirm::control, 0U);
+}
+
+void StreamEngine::ClearEndpoint()
+{
+    link_.SetHalt(Pipe::Stream);
+    link_.ClearHalt(Pipe::Stream);
+}
+
+void StreamEngine::OnGone() noexcept
+{
+    std::lock_guard lock(mutex_);
+    isGone_ = true;
+    wake_.notify_all();
+}
+
+void StreamEngine::OnCameraClose()
+{
+    try {
+        Stop();
+    } catch (const StatusError &) {
+        // Closing goes on: what is queued is flushed in any case.
+    }
+    {
+        std::lock_guard lock(mutex_);
+        isCameraClosed_ = true;
+    }
+    Flush();
+}
+
+void StreamEngine::Reset()
+{
+    try {
+        Stop();
+    } catch (const StatusError &) {
+        // The endpoint is cleared in any case.
+    }
+    ClearEndpoint();
+}
+
+void StreamEngine::OnDone(BulkIn &transfer) noexcept
+{
+    std::lock_guard lock(mutex_);
+    StreamFrame &frame = *frames_[StreamFrame::IndexOf(transfer)];
+    bytesInFlight_ -= transfer.Buffer().size();
+    if (transfer.Status() == TransferStatus::NoMemory) {
+        isRefused_ = true;
+        return;
+    }
+    frame.CountReturned(transfer, HostTime());
+    if (frame.IsReturned() || frame.IsBroken() || !FrameAt(underWay_ - 1).IsFullyPosted())
+        wake_.notify_one();
+}
+
+void StreamEngine::Run()
+{
+    std::unique_lock lock(mutex_);
+    while (!wantsQuit_) {
+        if (Work(lock))
+            continue;
+        if (isRunning_ && Clock::now() < notBefore_)
+            wake_.wait_until(lock, notBefore_);
+        else
+            wake_.wait(lock);
+    }
+    DrainAll(lock, Drain::Requeue);
+    idle_.notify_all();
+}
+
+// One piece of work; false when there is none.
+bool StreamEngine::Work(std::unique_lock<std::mutex> &lock)
+{
+    const auto fulfil = [&](bool &wish) {
+        wish = false;
+        idle_.notify_all();
+        return true;
+    };
+    if (isGone_ && (underWay_ != 0 || !waiting_.IsEmpty() || isRunning_)) {
+        DrainAll(lock, Drain::Remove);
+        isRunning_ = false;
+        return true;
+    }
+    if (wantsStop_) {
+        isRunning_ = false;
+        DrainAll(lock, Drain::Requeue);
+        return fulfil(wantsStop_);
+    }
+    if (wantsFlush_) {
+        const bool hadTransfers = underWay_ != 0;
+        DrainAll(lock, Drain::Flush);
+        if (hadTransfers && isRunning_)
+            Realign(lock);
+        return fulfil(wantsFlush_);
+    }
+    if (underWay_ != 0 && IsHeadReady()) {
+        FinishHead(lock);
+        return true;
+    }
+    if (CanPost()) {
+        PostNext(lock);
+        return true;
+    }
+    if (wantsPost_)
+        return fulfil(wantsPost_);
+    return false;
+}
+
+bool StreamEngine::CanPost() const
+{
+    if (!isRunning_ || isGone_ || Clock::now() < notBefore_)
+        return false;
+    const bool isTailOpen = underWay_ != 0 && !FrameAt(underWay_ - 1).IsFullyPosted();
+    if (!isTailOpen && (underWay_ == frames_.size() || waiting_.IsEmpty()))
+        return false;
+    return bytesInFlight_ == 0 || bytesInFlight_ + layout_.transferSize <= budget_;
+}
+
+// Posts transfers of one frame, as many as may be in flight.
+void StreamEngine::PostNext(std::unique_lock<std::mutex> &lock)
+{
+    if (underWay_ == 0 || FrameAt(underWay_ - 1).IsFullyPosted()) {
+        StreamRequest &request = *waiting_.PopFront();
+        request.place = StreamRequest::Place::InFlight;
+        FrameAt(underWay_++).Begin(request);
+    }
+    StreamFrame &frame = FrameAt(underWay_ - 1);
+    isRefused_ = false;
+    while (!frame.IsFullyPosted() && CanPost() && !frame.IsBroken()) {
+        bytesInFlight_ += frame.NextSize();
+        const std::size_t transfer = frame.CountPosted();
+        lock.unlock();
+        frame.Submit(transfer);
+        lock.lock();
+        if (!isRefused_)
+            continue;
+        frame.UncountPosted();
+        budget_ = std::max(bytesInFlight_, layout_.transferSize);
+        notBefore_ = Clock::now() + std::chrono::milliseconds(10);
+        LogDevice(CAM_LOG_LEVEL_WARN, "no memory for more than %zu bytes of transfers: going on with less", budget_);
+        return;
+    }
+}
+
+bool StreamEngine::IsHeadReady() const { return FrameAt(0).IsDone() || FrameAt(0).IsBroken(); }
+
+void StreamEngine::FinishHead(std::unique_lock<std::mutex> &lock)
+{
+    StreamFrame &frame = FrameAt(0);
+    if (!frame.IsDone()) {
+        Cancel(lock, frame);
+        wake_.wait(lock, [&] { return frame.IsReturned(); });
+    }
+    // A transfer can end because the camera is gone before the news of it is here.
+    if (isGone_ || frame.IsRemoved()) {
+        isGone_ = true;
+        return;
+    }
+    StreamRequest &request = frame.Request();
+    const StreamFrame::Result result = frame.Evaluate();
+    head_ = (head_ + 1) % frames_.size();
+    --underWay_;
+    if (result.blockId)
+        CountLost(request, *result.blockId);
+    const auto blockId = static_cast<unsigned long long>(request.info.ullBlockId);
+    Deliver(lock, request);
+    if (result.isAligned) {
+        realigned_ = 0;
+        return;
+    }
+    LogDevice(CAM_LOG_LEVEL_WARN, "stream of %s out of step at block %llu: aligning anew",
+              link_.Identity().serial.c_str(), blockId);
+    DrainAll(lock, Drain::Requeue);
+    if (isRunning_)
+        Realign(lock);
+}
+
+void StreamEngine::CountLost(StreamRequest &request, std::uint64_t blockId)
+{
+    if (lastBlockId_ && blockId > *lastBlockId_ + 1) {
+        const std::uint64_t lost = blockId - *lastBlockId_ - 1;
+        lostCount_ += lost;
+        request.info.uiLostBlocks = static_cast<std::uint32_t>(std::min<std::uint64_t>(lost, UINT32_MAX));
+    }
+    lastBlockId_ = blockId;
+}
+
+// What the camera still has for transfers that are gone must not run into the next ones.
+void StreamEngine::Realign(std::unique_lock<std::mutex> &lock)
+{
+    lock.unlock();
+    ClearEndpoint();
+    lock.lock();
+    // A camera that is out of step again and again gets ever longer pauses instead of all of the processor.
+    if (realigned_++ > 0)
+        notBefore_ = Clock::now() + std::chrono::milliseconds(1LL << std::min(realigned_, 8));
+}
+
+// The last first, so that what the camera sends meanwhile does not run into transfers meant for other data.
+void StreamEngine::Cancel(std::unique_lock<std::mutex> &lock, StreamFrame &frame)
+{
+    for (std::size_t i = frame.Posted(); i-- > 0 && !frame.IsReturned();) {
+        lock.unlock();
+        frame.Cancel(i);
+        lock.lock();
+    }
+}
+
+// Takes all transfers back and empties the frames; complete ones are delivered.
+void StreamEngine::DrainAll(std::unique_lock<std::mutex> &lock, Drain how)
+{
+    for (std::size_t i = underWay_; i-- > 0;)
+        Cancel(lock, FrameAt(i));
+    wake_.wait(lock, [&] { return bytesInFlight_ == 0; });
+
+    RequestList unfilled;
+    while (underWay_ != 0) {
+        StreamFrame &frame = FrameAt(0);
+        StreamRequest &request = frame.Request();
+        head_ = (head_ + 1) % frames_.size();
+        --underWay_;
+        if (!frame.IsDone() || frame.IsBroken()) {
+            unfilled.PushBack(request);
+            continue;
+        }
+        if (const StreamFrame::Result result = frame.Evaluate(); result.blockId)
+            CountLost(request, *result.blockId);
+        Deliver(lock, request);
+    }
+    while (StreamRequest *request = waiting_.PopFront())
+        unfilled.PushBack(*request);
+    if (how == Drain::Requeue) {
+        while (StreamRequest *request = unfilled.PopFront()) {
+            request->place = StreamRequest::Place::Waiting;
+            waiting_.PushBack(*request);
+        }
+        return;
+    }
+    const CAM_API_STATUS status =
+        how == Drain::Flush ? CAM_API_STS_FLUSH_REQUESTED : CAM_API_STS_FLUSHED_BY_CAMERA_REMOVE;
+    while (StreamRequest *request = unfilled.PopFront()) {
+        request->info = {};
+        request->info.uiStatus = status;
+        Deliver(lock, *request);
+    }
+}
+
+void StreamEngine::Deliver(std::unique_lock<std::mutex> &lock, StreamRequest &request)
+{
+    lock.unlock();
+    sink_.OnRequest(request);
+    lock.lock();
+}
+
+} // namespace Orvi::U3v
