@@ -26,6 +26,14 @@ constexpr std::size_t Index(Entry entry) { return static_cast<std::size_t>(entry
 
 const char *NameOf(Entry entry) { return s_entries[Index(entry)].name; }
 
+Entry EntryNamed(const std::string &name)
+{
+    for (const Entry entry : AllEntries())
+        if (NameOf(entry) == name)
+            return entry;
+    throw std::logic_error("the transport has no entry " + name);
+}
+
 bool IsOptional(Entry entry) { return s_entries[Index(entry)].presence == Presence::Optional; }
 
 std::vector<Entry> AllEntries()

@@ -31,6 +31,8 @@ enum class Entry : std::size_t {
 inline constexpr std::size_t entryCount = static_cast<std::size_t>(Entry::Count);
 
 const char *NameOf(Entry entry);
+/// Throws for a name that is no entry's.
+Entry EntryNamed(const std::string &name);
 bool IsOptional(Entry entry);
 std::vector<Entry> AllEntries();
 
