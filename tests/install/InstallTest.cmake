@@ -1,6 +1,6 @@
 # Installs the build, moves the installed folder elsewhere, and builds and runs applications against it: one through
-# find_package, one through pkg-config. Run as cmake -DBUILD=... -DWORK=... -DSOURCE=... -P; PKG_CONFIG and
-# TRANSPORT say whether there is a pkg-config and whether the transport was built.
+# find_package, and the README's first program through pkg-config. Run as
+# cmake -DBUILD=... -DWORK=... -DSOURCE=... -DCC=... -P; PKG_CONFIG, PYTHON and TRANSPORT say what there is of these.
 
 function(run)
   cmake_parse_arguments(PARSE_ARGV 0 run "" "OUTPUT" "COMMAND")
@@ -21,11 +21,11 @@ function(expect_file path)
   endif()
 endfunction()
 
-function(expect_two_cameras application)
+function(expect_output application expected)
   if(TRANSPORT)
     run(COMMAND "${CMAKE_COMMAND}" -E env ORVI_VIRTUAL_CAMERAS=2 "ORVICAMSDK=${sdk}" "${application}" OUTPUT said)
-    if(NOT said STREQUAL "cameras: 2")
-      message(FATAL_ERROR "${application} said '${said}'")
+    if(NOT said MATCHES "${expected}")
+      message(FATAL_ERROR "${application} said '${said}', which does not match '${expected}'")
     endif()
   endif()
 endfunction()
@@ -44,16 +44,17 @@ endif()
 
 run(COMMAND "${CMAKE_COMMAND}" -S "${SOURCE}/consumer" -B "${WORK}/consumer" "-DCMAKE_PREFIX_PATH=${sdk}")
 run(COMMAND "${CMAKE_COMMAND}" --build "${WORK}/consumer")
-expect_two_cameras("${WORK}/consumer/consumer_c")
-expect_two_cameras("${WORK}/consumer/consumer_cpp")
+expect_output("${WORK}/consumer/consumer_c" "^cameras: 2$")
+expect_output("${WORK}/consumer/consumer_cpp" "^cameras: 2$")
 
-if(PKG_CONFIG)
+if(PKG_CONFIG AND PYTHON)
   set(ENV{PKG_CONFIG_PATH} "${sdk}/lib/pkgconfig")
   run(COMMAND "${PKG_CONFIG}" --cflags --libs OrviCamApi OUTPUT flags)
   separate_arguments(flags UNIX_COMMAND "${flags}")
-  run(COMMAND "${CC}" -std=c11 -Wall -Werror "${WORK}/consumer/consumer.c" -o "${WORK}/consumer_pc" ${flags}
+  run(COMMAND "${PYTHON}" "${SOURCE}/readme_program.py" "${WORK}/first_image.c")
+  run(COMMAND "${CC}" -std=c11 -Wall -Werror "${WORK}/first_image.c" -o "${WORK}/first_image" ${flags}
               "-Wl,-rpath,${sdk}/lib")
-  expect_two_cameras("${WORK}/consumer_pc")
+  expect_output("${WORK}/first_image" "^image [0-9]+: 1920 x 1200$")
 endif()
 
 if(TRANSPORT AND EXISTS "${sdk}/bin/orvicam")
