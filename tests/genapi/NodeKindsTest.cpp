@@ -1,0 +1,400 @@
+#include "TestMap.h"
+
+#include <gmock/gmock.h>
+
+namespace Orvi::GenApi {
+namespace {
+
+using testing::HasSubstr;
+
+TEST(IntReg, DecodesLengthSignAndByteOrder)
+{
+    TestMap map(Reg("IntReg", "U1", 0, "", 1) + Reg("IntReg", "S1", 0, "<Sign>Signed</Sign>", 1) +
+                Reg("IntReg", "U2B", 0, "<Endianess>BigEndian</Endianess>", 2) +
+                Reg("IntReg", "S3", 0, "<Sign>Signed</Sign>", 3) + Reg("IntReg", "U4", 0) +
+                Reg("IntReg", "U4B", 0, "<Endianess>BigEndian</Endianess>") +
+                Reg("IntReg", "U8B", 0, "<Endianess>BigEndian</Endianess>", 8) + Reg("IntReg", "U8", 0, "", 8));
+    map.port.Put<std::uint64_t>(0, 0xF1E2D3C4B5A69788);
+    EXPECT_EQ(map.Int("U1"), 0x88);
+    EXPECT_EQ(map.Int("S1"), -0x78);
+    EXPECT_EQ(map.Int("U2B"), 0x8897);
+    EXPECT_EQ(map.Int("S3"), static_cast<std::int32_t>(0xFFA69788));
+    EXPECT_EQ(map.Int("U4"), 0xB5A69788);
+    EXPECT_EQ(map.Int("U4B"), 0x8897A6B5);
+    EXPECT_EQ(map.Int("U8B"), static_cast<std::int64_t>(0x8897A6B5C4D3E2F1));
+    EXPECT_EQ(map.Int("U8"), static_cast<std::int64_t>(0xF1E2D3C4B5A69788));
+
+    map.Set("U4B", 0x01020304);
+    EXPECT_EQ(map.port.Get<std::uint32_t>(0), 0x04030201u);
+    map.Set("S1", -1);
+    EXPECT_EQ(map.port.Get<std::uint8_t>(0), 0xFF);
+    EXPECT_EQ(map->IntMin(map["S1"]), -128);
+    EXPECT_EQ(map->IntMax(map["S1"]), 127);
+    EXPECT_EQ(map->IntMax(map["U4"]), 0xFFFFFFFF);
+    EXPECT_EQ(map->IntInc(map["U4"]), 1);
+    EXPECT_THAT(ErrorOf([&] { map.Set("S1", 128); }), HasSubstr("[S1] cannot take 128, it is above the maximum 127"));
+}
+
+TEST(MaskedIntReg, LeavesTheOtherBitsAlone)
+{
+    TestMap map(Reg("MaskedIntReg", "Mid", 0, "<LSB>4</LSB><MSB>11</MSB>") +
+                Reg("MaskedIntReg", "Top", 0, "<Bit>31</Bit>") +
+                Reg("MaskedIntReg", "Signed", 0, "<LSB>4</LSB><MSB>7</MSB><Sign>Signed</Sign>") +
+                Reg("MaskedIntReg", "Big", 4, "<LSB>31</LSB><MSB>24</MSB><Endianess>BigEndian</Endianess>") +
+                Reg("MaskedIntReg", "BigTop", 4, "<Bit>0</Bit><Endianess>BigEndian</Endianess>"));
+    map.port.Put<std::uint32_t>(0, 0x800000F5);
+    EXPECT_EQ(map.Int("Mid"), 0xF);
+    EXPECT_EQ(map.Int("Top"), 1);
+    EXPECT_EQ(map.Int("Signed"), -1);
+    map.Set("Mid", 0xAB);
+    EXPECT_EQ(map.port.Get<std::uint32_t>(0), 0x80000AB5u);
+    map.Set("Top", 0);
+    EXPECT_EQ(map.port.Get<std::uint32_t>(0), 0x00000AB5u);
+    EXPECT_EQ(map.Int("Mid"), 0xAB) << "registers that share an address see each other's writes";
+
+    map.port.Put<std::uint32_t>(4, 0x120000C0);
+    EXPECT_EQ(map.Int("Big"), 0x12) << "bit 31 of a big-endian register is its least significant";
+    EXPECT_EQ(map.Int("BigTop"), 1);
+}
+
+TEST(StructReg, EntriesShareTheRegister)
+{
+    TestMap map("<StructReg Comment=\"x\"><Address>0x20</Address><Length>4</Length><AccessMode>RW</AccessMode>"
+                "<pPort>Device</pPort><Endianess>LittleEndian</Endianess>"
+                "<StructEntry Name=\"Low\"><LSB>0</LSB><MSB>7</MSB></StructEntry>"
+                "<StructEntry Name=\"High\"><ToolTip>t</ToolTip><AccessMode>RO</AccessMode><Bit>31</Bit></StructEntry>"
+                "</StructReg>");
+    map.port.Put<std::uint32_t>(0x20, 0x80000012);
+    EXPECT_EQ(map.Int("Low"), 0x12);
+    EXPECT_EQ(map.Int("High"), 1);
+    EXPECT_EQ(map->Access(map["Low"]), AccessMode::ReadWrite);
+    EXPECT_EQ(map->Access(map["High"]), AccessMode::ReadOnly);
+    map.Set("Low", 0x34);
+    EXPECT_EQ(map.port.Get<std::uint32_t>(0x20), 0x80000034u);
+}
+
+TEST(FloatReg, HoldsBothWidthsInBothByteOrders)
+{
+    TestMap map(Reg("FloatReg", "F4", 0) + Reg("FloatReg", "F8", 8, "", 8) +
+                Reg("FloatReg", "F4B", 16, "<Endianess>BigEndian</Endianess>"));
+    map.SetFloat("F4", 0.29);
+    map.SetFloat("F8", 0.29);
+    map.SetFloat("F4B", 1.0);
+    EXPECT_EQ(map.port.Get<float>(0), 0.29f);
+    EXPECT_EQ(map.port.Get<double>(8), 0.29);
+    EXPECT_EQ(map.port.Get<std::uint32_t>(16), 0x0000803Fu);
+    EXPECT_EQ(map.Float("F4"), static_cast<double>(0.29f));
+    EXPECT_EQ(map.Float("F8"), 0.29);
+    EXPECT_THAT(ErrorOf([&] { map.SetFloat("F4", 1e300); }), HasSubstr("[F4] cannot take 1e+300"));
+    EXPECT_THAT(ErrorOf([&] { map.SetFloat("F8", std::stod("nan")); }), HasSubstr("not a number"));
+}
+
+TEST(StringReg, EndsAtTheNulAndPads)
+{
+    TestMap map(
+        Reg("StringReg", "Name", 0, "", 8) +
+        "<String Name=\"User\"><pValue>Name</pValue></String><String Name=\"Fixed\"><Value>abc</Value></String>");
+    std::memcpy(map.port.bytes.data(), "hello\0xy", 8);
+    EXPECT_EQ(map->GetString(map["User"]), "hello");
+    map->SetString(map["User"], "cam");
+    EXPECT_EQ(std::memcmp(map.port.bytes.data(), "cam\0\0\0\0\0", 8), 0);
+    map->SetString(map["User"], "12345678");
+    EXPECT_EQ(map->GetString(map["User"]), "12345678") << "a text may fill the register without a NUL";
+    EXPECT_THAT(ErrorOf([&] { map->SetString(map["User"], "123456789"); }),
+                HasSubstr("[User] cannot take 9 bytes, it holds 8"));
+    EXPECT_EQ(map->GetString(map["Fixed"]), "abc");
+    map->SetString(map["Fixed"], "def");
+    EXPECT_EQ(map->GetString(map["Fixed"]), "def");
+}
+
+TEST(Register, GivesItsBytes)
+{
+    TestMap map(Reg("Register", "Raw", 0x40, "", 16));
+    map.port.Put<std::uint32_t>(0x44, 0xDDCCBBAA);
+    std::array<std::byte, 16> bytes;
+    map->GetBytes(map["Raw"], bytes);
+    EXPECT_EQ(bytes[4], std::byte{0xAA});
+    EXPECT_EQ(map->RegisterLength(map["Raw"]), 16u);
+    EXPECT_EQ(map->RegisterAddress(map["Raw"]), 0x40u);
+    bytes[0] = std::byte{9};
+    map->SetBytes(map["Raw"], bytes);
+    EXPECT_EQ(map.port.bytes[0x40], std::byte{9});
+    std::array<std::byte, 17> more;
+    EXPECT_THAT(ErrorOf([&] { map->GetBytes(map["Raw"], more); }), HasSubstr("[Raw] cannot give 17 bytes"));
+}
+
+TEST(Address, IsTheSumOfItsParts)
+{
+    TestMap map(
+        "<Integer Name=\"Base\"><Value>0x100</Value></Integer><Integer Name=\"Index\"><Value>2</Value></Integer>"
+        "<Integer Name=\"Step\"><Value>0x20</Value></Integer>" +
+        Reg("IntReg", "R", 4,
+            "<Address>8</Address><pAddress>Base</pAddress><pIndex Offset=\"0x10\">Index</pIndex>"
+            "<pIndex>Index</pIndex><pIndex pOffset=\"Step\">Index</pIndex>"
+            "<IntSwissKnife Name=\"Inner\"><pVariable Name=\"I\">Index</pVariable><Formula>I * 0x1000</Formula>"
+            "</IntSwissKnife>"));
+    EXPECT_EQ(map->RegisterAddress(map["R"]), 4u + 8 + 0x100 + 0x20 + 8 + 0x40 + 0x2000);
+    map.Set("Index", 0);
+    EXPECT_EQ(map->RegisterAddress(map["R"]), 4u + 8 + 0x100);
+}
+
+TEST(Integer, TakesRangeAndStepFromConstantsOrNodes)
+{
+    TestMap map(Reg("IntReg", "Raw", 0) + Reg("IntReg", "Max", 4) +
+                "<Integer Name=\"Width\"><pValue>Raw</pValue><Min>8</Min><pMax>Max</pMax><Inc>4</Inc></Integer>");
+    map.port.Put<std::uint32_t>(4, 64);
+    EXPECT_EQ(map->IntMin(map["Width"]), 8);
+    EXPECT_EQ(map->IntMax(map["Width"]), 64);
+    EXPECT_EQ(map->IntInc(map["Width"]), 4);
+    map.Set("Width", 64);
+    EXPECT_EQ(map.port.Get<std::uint32_t>(0), 64u);
+    EXPECT_EQ(ErrorOf([&] { map.Set("Width", 68); }), "[Width] cannot take 68, it is above the maximum 64");
+    EXPECT_EQ(ErrorOf([&] { map.Set("Width", 4); }), "[Width] cannot take 4, it is below the minimum 8");
+    EXPECT_EQ(ErrorOf([&] { map.Set("Width", 18); }),
+              "[Width] cannot take 18, the step is 4 from 8: 16 is the next below");
+    EXPECT_EQ(map.port.Get<std::uint32_t>(0), 64u);
+}
+
+TEST(Integer, ChoosesAmongIndexedValues)
+{
+    TestMap map(Reg("IntReg", "R0", 0) + Reg("IntReg", "R1", 4) +
+                "<Integer Name=\"Sel\"><Value>0</Value></Integer>"
+                "<Integer Name=\"V\"><pIndex>Sel</pIndex><pValueIndexed Index=\"0\">R0</pValueIndexed>"
+                "<pValueIndexed Index=\"1\">R1</pValueIndexed><ValueIndexed Index=\"2\">22</ValueIndexed>"
+                "<ValueDefault>99</ValueDefault></Integer>"
+                "<Integer Name=\"W\"><pIndex>Sel</pIndex><ValueIndexed Index=\"0\">1</ValueIndexed></Integer>");
+    map.port.Put<std::uint32_t>(0, 10);
+    map.port.Put<std::uint32_t>(4, 11);
+    EXPECT_EQ(map.Int("V"), 10);
+    map.Set("Sel", 1);
+    EXPECT_EQ(map.Int("V"), 11);
+    map.Set("V", 12);
+    EXPECT_EQ(map.port.Get<std::uint32_t>(4), 12u);
+    map.Set("Sel", 2);
+    EXPECT_EQ(map.Int("V"), 22);
+    map.Set("Sel", 3);
+    EXPECT_EQ(map.Int("V"), 99);
+    EXPECT_THAT(ErrorOf([&] { map.Int("W"); }), HasSubstr("[W] has no value for index 3"));
+}
+
+TEST(Integer, WritesItsCopiesToo)
+{
+    TestMap map(Reg("IntReg", "A", 0) + Reg("IntReg", "B", 4) +
+                "<Integer Name=\"V\"><pValue>A</pValue><pValueCopy>B</pValueCopy></Integer>");
+    map.Set("V", 5);
+    EXPECT_EQ(map.port.Get<std::uint32_t>(0), 5u);
+    EXPECT_EQ(map.port.Get<std::uint32_t>(4), 5u);
+}
+
+TEST(Integer, TakesOnlyTheValidValues)
+{
+    TestMap map("<Integer Name=\"V\"><Value>1</Value><ValidValueSet>1; 2;4;8</ValidValueSet></Integer>");
+    map.Set("V", 4);
+    EXPECT_THAT(ErrorOf([&] { map.Set("V", 3); }), HasSubstr("[V] cannot take 3"));
+    EXPECT_EQ(map.Int("V"), 4);
+}
+
+TEST(Float, RoundsHalfAwayFromZeroIntoIntegers)
+{
+    TestMap map(Reg("IntReg", "Raw", 0, "<Sign>Signed</Sign>") + "<Float Name=\"F\"><pValue>Raw</pValue></Float>");
+    const struct {
+        double value;
+        std::int32_t raw;
+    } rows[] = {{28.999999999999996, 29}, {2.5, 3}, {-2.5, -3}, {2.4999, 2}, {0.5, 1}, {-0.5, -1}};
+    for (const auto &row : rows) {
+        map.SetFloat("F", row.value);
+        EXPECT_EQ(map.port.Get<std::int32_t>(0), row.raw) << row.value;
+    }
+    EXPECT_THAT(ErrorOf([&] { map.SetFloat("F", 1e10); }),
+                HasSubstr("[F] cannot take 10000000000, it is above the maximum"));
+    EXPECT_FALSE(map->FloatInc(map["F"]));
+}
+
+TEST(Float, EnforcesItsOwnStep)
+{
+    TestMap map("<Float Name=\"F\"><Value>0</Value><Min>0</Min><Max>1</Max><Inc>0.1</Inc></Float>");
+    for (int i = 0; i <= 10; ++i)
+        map.SetFloat("F", 0.1 * i);
+    EXPECT_THAT(ErrorOf([&] { map.SetFloat("F", 0.15); }), HasSubstr("the step is 0.1"));
+    EXPECT_EQ(map->FloatInc(map["F"]), 0.1);
+}
+
+constexpr const char *gain =
+    "<Float Name=\"Gain\"><pValue>Conv</pValue></Float>"
+    "<Converter Name=\"Conv\"><FormulaTo>FROM * 100</FormulaTo><FormulaFrom>TO / 100</FormulaFrom>"
+    "<pValue>Raw</pValue></Converter>";
+
+TEST(Converter, WritesTheNearestRawValue)
+{
+    TestMap map(Reg("IntReg", "Raw", 0) + gain);
+    for (int raw = 0; raw <= 1000; ++raw) {
+        map.SetFloat("Gain", raw / 100.0);
+        ASSERT_EQ(map.port.Get<std::uint32_t>(0), static_cast<std::uint32_t>(raw));
+        ASSERT_DOUBLE_EQ(map.Float("Gain"), raw / 100.0);
+    }
+    map.SetFloat("Gain", 0.29);
+    EXPECT_EQ(map.port.Get<std::uint32_t>(0), 29u);
+}
+
+TEST(Converter, TurnsTheLimitsOver)
+{
+    TestMap map(Reg("IntReg", "Raw", 0, "", 1) +
+                "<Integer Name=\"Bounded\"><pValue>Raw</pValue><Min>10</Min><Max>50</Max></Integer>"
+                "<Converter Name=\"Rate\"><FormulaTo>1000 / FROM</FormulaTo><FormulaFrom>1000 / TO</FormulaFrom>"
+                "<pValue>Bounded</pValue><Slope>Decreasing</Slope></Converter>"
+                "<Converter Name=\"Open\"><FormulaTo>1000 / FROM</FormulaTo><FormulaFrom>1000 / TO</FormulaFrom>"
+                "<pValue>Raw</pValue><Slope>Decreasing</Slope></Converter>");
+    EXPECT_EQ(map->FloatMin(map["Rate"]), 20);
+    EXPECT_EQ(map->FloatMax(map["Rate"]), 100);
+    map.SetFloat("Rate", 100);
+    EXPECT_EQ(map.port.Get<std::uint8_t>(0), 10);
+    EXPECT_EQ(ErrorOf([&] { map.SetFloat("Rate", 10); }), "[Rate] cannot take 10, it is below the minimum 20");
+    // 1000/0 has no value: that end is open, and writing works all the same.
+    EXPECT_NEAR(map->FloatMin(map["Open"]), 1000.0 / 255, 1e-12);
+    map.SetFloat("Open", 500);
+    EXPECT_EQ(map.port.Get<std::uint8_t>(0), 2);
+    EXPECT_THAT(ErrorOf([&] { map.SetFloat("Open", 0.001); }), HasSubstr("[Open] cannot take 0.001"));
+}
+
+TEST(Converter, NamesTheFormulaThatHasNoResult)
+{
+    TestMap map(Reg("IntReg", "Raw", 0) +
+                "<Converter "
+                "Name=\"C\"><FormulaTo>FROM</FormulaTo><FormulaFrom>1/TO</FormulaFrom><pValue>Raw</pValue></Converter>"
+                "<Float Name=\"F\"><pValue>C</pValue></Float>");
+    EXPECT_EQ(ErrorOf([&] { map.Float("F"); }), "[F] division by zero, formula 1/TO with TO = 0 (at C)");
+}
+
+TEST(IntConverter, KeepsAll64Bits)
+{
+    TestMap map(Reg("IntReg", "Raw", 0, "", 8) +
+                "<IntConverter Name=\"C\"><pVariable Name=\"D\">One</pVariable><FormulaTo>FROM - D</FormulaTo>"
+                "<FormulaFrom>TO + D</FormulaFrom><pValue>Raw</pValue></IntConverter>"
+                "<Integer Name=\"One\"><Value>1</Value></Integer>");
+    map.port.Put<std::int64_t>(0, (std::int64_t{1} << 62) + 2);
+    EXPECT_EQ(map.Int("C"), (std::int64_t{1} << 62) + 3);
+    map.Set("C", (std::int64_t{1} << 61) + 8);
+    EXPECT_EQ(map.port.Get<std::int64_t>(0), (std::int64_t{1} << 61) + 7);
+}
+
+TEST(SwissKnife, UsesVariablesConstantsExpressionsAndAttributes)
+{
+    TestMap map("<Integer Name=\"W\"><Value>10</Value><Min>2</Min><Max>40</Max><Inc>3</Inc></Integer>"
+                "<Enumeration Name=\"Mode\"><EnumEntry Name=\"A\"><Value>5</Value></EnumEntry>"
+                "<EnumEntry Name=\"B\"><Value>6</Value></EnumEntry><Value>6</Value></Enumeration>"
+                "<IntSwissKnife Name=\"I\"><pVariable Name=\"V\">W</pVariable><Constant Name=\"K\">1000</Constant>"
+                "<Expression Name=\"X\">V * K</Expression><Formula>X + V.Min + V.Max * 2 + V.Inc + "
+                "V.Value</Formula></IntSwissKnife>"
+                "<SwissKnife Name=\"F\"><pVariable Name=\"V\">W</pVariable><pVariable Name=\"M.Max\">W</pVariable>"
+                "<Constant Name=\"K\">0.5</Constant><Formula>V * K + M.Max</Formula></SwissKnife>"
+                "<IntSwissKnife Name=\"E\"><pVariable Name=\"M\">Mode</pVariable>"
+                "<Formula>(M = M.Entry.B) ? M.Enum.A : 0</Formula></IntSwissKnife>");
+    EXPECT_EQ(map.Int("I"), 10000 + 2 + 80 + 3 + 10);
+    EXPECT_EQ(map.Float("F"), 45);
+    EXPECT_EQ(map.Int("E"), 5);
+    EXPECT_EQ(map->Access(map["I"]), AccessMode::ReadOnly);
+    EXPECT_THAT(ErrorOf([&] { map.Set("I", 1); }), HasSubstr("[I] cannot be written, it is read-only"));
+}
+
+constexpr const char *mode = "<Enumeration Name=\"Mode\"><EnumEntry Name=\"Off\"><Value>0</Value></EnumEntry>"
+                             "<EnumEntry Name=\"On\"><Value>1</Value><NumericValue>2.5</NumericValue></EnumEntry>"
+                             "<EnumEntry Name=\"Never\"><pIsAvailable>Zero</pIsAvailable><Value>2</Value></EnumEntry>"
+                             "<EnumEntry Name=\"Once\"><Value>3</Value><IsSelfClearing>Yes</IsSelfClearing></EnumEntry>"
+                             "<pValue>Raw</pValue></Enumeration><Integer Name=\"Zero\"><Value>0</Value></Integer>";
+
+TEST(Enumeration, KnowsItsEntriesByNameAndNumber)
+{
+    TestMap map(Reg("IntReg", "Raw", 0) + mode);
+    const NodeId id = map["Mode"];
+    EXPECT_EQ(map->GetEnumText(id), "Off");
+    map->SetEnumText(id, "On");
+    EXPECT_EQ(map.port.Get<std::uint32_t>(0), 1u);
+    map->SetEnumInt(id, 0);
+    EXPECT_EQ(map->GetEnumInt(id), 0);
+    EXPECT_EQ(map->EntryCount(id), 4u);
+    const NodeId on = map->Entry(id, 1);
+    EXPECT_EQ(map->Type(on), NodeType::EnumEntry);
+    EXPECT_EQ(map->Name(on), "EnumEntry_Mode_On");
+    EXPECT_EQ(map->EntryText(on), "On");
+    EXPECT_EQ(map->EntryInt(on), 1);
+    EXPECT_EQ(map->EntryNumericValue(on), 2.5);
+    EXPECT_EQ(map["EnumEntry_Mode_On"], on);
+    EXPECT_EQ(map->CurrentEntry(id), map->Entry(id, 0));
+    EXPECT_THAT(ErrorOf([&] { map->Entry(id, 4); }), HasSubstr("[Mode] has 4 entries, number 5"));
+}
+
+TEST(Enumeration, RefusesWhatIsNoEntry)
+{
+    TestMap map(Reg("IntReg", "Raw", 0) + mode);
+    const NodeId id = map["Mode"];
+    EXPECT_EQ(ErrorOf([&] { map->SetEnumText(id, "on"); }),
+              "[Mode] has no entry 'on', its entries are Off, On, Never, Once");
+    EXPECT_EQ(ErrorOf([&] { map->SetEnumInt(id, 7); }), "[Mode] cannot take 7, none of its entries has that value");
+    EXPECT_EQ(ErrorOf([&] { map->SetEnumText(id, "Never"); }),
+              "[Mode] cannot take Never, it is not available now (Zero is 0)");
+    map.port.Put<std::uint32_t>(0, 0x99);
+    EXPECT_EQ(ErrorOf([&] { map->GetEnumText(id); }), "[Mode] reads 0x99, none of its entries has that value");
+    EXPECT_EQ(map->GetEnumInt(id), 0x99);
+    EXPECT_THAT(ErrorOf([&] { map->GetEnumInt(id, {.verify = true}); }), HasSubstr("0x99"));
+}
+
+TEST(Enumeration, ASelfClearingEntryIsNotReadBack)
+{
+    TestMap map(Reg("IntReg", "Raw", 0) + mode);
+    map.port.keeps = std::byte{0};
+    map->SetEnumText(map["Mode"], "Once", Verify::Yes);
+    EXPECT_THAT(ErrorOf([&] { map->SetEnumText(map["Mode"], "On", Verify::Yes); }), HasSubstr("[Mode] does not keep"));
+}
+
+TEST(Boolean, MapsItsTwoValues)
+{
+    TestMap map(Reg("IntReg", "Raw", 0) +
+                "<Boolean Name=\"B\"><pValue>Raw</pValue><OnValue>6</OnValue><OffValue>9</OffValue></Boolean>");
+    map->SetBool(map["B"], true);
+    EXPECT_EQ(map.port.Get<std::uint32_t>(0), 6u);
+    EXPECT_TRUE(map->GetBool(map["B"]));
+    map->SetBool(map["B"], false);
+    EXPECT_EQ(map.port.Get<std::uint32_t>(0), 9u);
+    EXPECT_FALSE(map->GetBool(map["B"]));
+    map.port.Put<std::uint32_t>(0, 5);
+    EXPECT_EQ(ErrorOf([&] { map->GetBool(map["B"], {.ignoreCache = true}); }), "[B] reads 5, on is 6 and off is 9");
+}
+
+TEST(Command, IsDoneWhenTheCameraHasTakenItsValueBack)
+{
+    TestMap map(Reg("IntReg", "Raw", 0) +
+                "<Command Name=\"Go\"><pValue>Raw</pValue><CommandValue>8</CommandValue></Command>"
+                "<Command Name=\"Blind\"><Value>0</Value><CommandValue>1</CommandValue></Command>");
+    map->Execute(map["Go"], Verify::Yes);
+    EXPECT_EQ(map.port.Get<std::uint32_t>(0), 8u);
+    EXPECT_FALSE(map->IsDone(map["Go"]));
+    map.port.Put<std::uint32_t>(0, 0);
+    EXPECT_TRUE(map->IsDone(map["Go"]));
+    map->Execute(map["Blind"]);
+    EXPECT_TRUE(map->IsDone(map["Blind"]));
+    EXPECT_EQ(map->Access(map["Blind"]), AccessMode::WriteOnly);
+}
+
+TEST(Nodes, OfTheWrongKindSayWhichKindTheyAre)
+{
+    TestMap map(Reg("StringReg", "S", 0) + Reg("IntReg", "I", 0) +
+                "<Category Name=\"Root\"><pFeature>S</pFeature></Category>");
+    EXPECT_EQ(ErrorOf([&] { map.Int("S"); }), "[S] is a node of kind StringReg, not an integer");
+    EXPECT_EQ(ErrorOf([&] { map->GetBool(map["I"]); }), "[I] is a node of kind IntReg, not a boolean");
+    EXPECT_EQ(ErrorOf([&] { map.Float("I"); }), "[I] is a node of kind IntReg, not a float");
+    EXPECT_EQ(ErrorOf([&] { map->Execute(map["I"]); }), "[I] is a node of kind IntReg, not a command");
+    EXPECT_EQ(ErrorOf([&] { map->GetString(map["Root"]); }), "[Root] is a node of kind Category, not a string");
+    EXPECT_EQ(ErrorOf([&] { map->Features(map["I"]); }), "[I] is a node of kind IntReg, not a category");
+    EXPECT_EQ(ErrorOf([&] { map->EntryCount(map["I"]); }), "[I] is a node of kind IntReg, not an enumeration");
+    EXPECT_EQ(ErrorOf([&] { map->EntryInt(map["I"]); }),
+              "[I] is a node of kind IntReg, not an entry of an enumeration");
+    try {
+        map->Name(map->Size());
+        ADD_FAILURE();
+    } catch (const U3v::StatusError &error) {
+        EXPECT_EQ(error.Status(), CAM_API_STS_INVALID_NODE_HANDLE);
+    }
+}
+
+} // namespace
+} // namespace Orvi::GenApi

@@ -1,0 +1,215 @@
+#include "u3v/genapi/Loader.h"
+
+#include "u3v/genapi/Enumeration.h"
+#include "u3v/genapi/Properties.h"
+#include "u3v/genapi/Say.h"
+
+#include <algorithm>
+
+namespace Orvi::GenApi {
+
+namespace {
+
+std::string_view NameOf(pugi::xml_node element) { return element.attribute("Name").value(); }
+
+std::int64_t NumberOf(pugi::xml_attribute attribute, std::int64_t otherwise) { return attribute.as_llong(otherwise); }
+
+/// The kind of value that a link is followed for.
+constexpr bool NeedsNumber(Role role)
+{
+    switch (role) {
+    case Role::Value:
+    case Role::Copy:
+    case Role::Index:
+    case Role::Variable:
+    case Role::VariableLimit:
+    case Role::Limit:
+    case Role::Condition:
+    case Role::Address:
+    case Role::CommandValue:
+    case Role::Error:
+        return true;
+    default:
+        return false;
+    }
+}
+
+constexpr bool HasNumber(NodeType type)
+{
+    return type == NodeType::Integer || type == NodeType::Float || type == NodeType::Boolean ||
+           type == NodeType::Enumeration || type == NodeType::EnumEntry;
+}
+
+} // namespace
+
+void Loader::Load()
+{
+    // Descriptions come padded to the size of a register block.
+    xml_ = xml_.substr(0, xml_.find_last_not_of('\0') + 1);
+    if (xml_.size() > maxText)
+        throw Error(Say("[description] is too large, ", std::to_string(xml_.size()), " bytes"));
+    table_.text = xml_;
+
+    // Parsed in place: names and texts stay in table_.text when the document is gone.
+    pugi::xml_document document;
+    const pugi::xml_parse_result parsed =
+        document.load_buffer_inplace(table_.text.data(), table_.text.size(), pugi::parse_default, pugi::encoding_utf8);
+    if (!parsed)
+        throw Error(
+            Say("[description] line ", std::to_string(LineAt(parsed.offset)), ": no XML, ", parsed.description()));
+    const pugi::xml_node root = document.child("RegisterDescription");
+    if (!root)
+        throw Error("[description] line 1: no camera description, the element RegisterDescription is missing");
+
+    ReadHead(root);
+    Collect(root, 0);
+    if (state_.nodes.empty())
+        Fail(root, "has no nodes");
+    for (const Pending &pending : pending_) {
+        if (pending.outer)
+            TakeProperties(*pending.node, pending.outer);
+        TakeProperties(*pending.node, pending.element);
+    }
+    CheckTargets();
+    for (const auto &node : state_.nodes)
+        node->Finish(*this);
+    CheckDependencies(*this, state_);
+}
+
+void Loader::ReadHead(pugi::xml_node root)
+{
+    Description &head = table_.description;
+    head.modelName = root.attribute("ModelName").value();
+    head.vendorName = root.attribute("VendorName").value();
+    head.toolTip = root.attribute("ToolTip").value();
+    head.productGuid = root.attribute("ProductGuid").value();
+    head.versionGuid = root.attribute("VersionGuid").value();
+    head.schemaMajor = NumberOf(root.attribute("SchemaMajorVersion"), 1);
+    head.schemaMinor = NumberOf(root.attribute("SchemaMinorVersion"), 1);
+    if (head.schemaMajor != 1)
+        Fail(root, Say("is of schema version ", std::to_string(head.schemaMajor), ", 1 is understood"));
+}
+
+void Loader::Collect(pugi::xml_node parent, unsigned nesting)
+{
+    if (nesting > maxNesting)
+        Fail(parent, "is nested too deeply");
+    for (const pugi::xml_node element : parent.children()) {
+        if (element.type() != pugi::node_element)
+            continue;
+        const std::string_view kindName = element.name();
+        if (kindName == "Group") {
+            Collect(element, nesting + 1);
+        } else if (kindName == "StructReg") {
+            for (const pugi::xml_node entry : element.children("StructEntry"))
+                Make(*FindKind("StructEntry"), entry, element);
+        } else if (const Kind *kind = FindKind(kindName); kind != nullptr && kindName != "StructEntry") {
+            CollectInner(element, Make(*kind, element));
+        } else {
+            Note(element, Say("[", NameOf(element), "] the kind ", kindName, " is not known"));
+        }
+    }
+}
+
+/// Nodes that stand inside others: entries, and formulas of addresses.
+void Loader::CollectInner(pugi::xml_node element, Node &node)
+{
+    if (auto *const enumeration = dynamic_cast<EnumerationNode *>(&node)) {
+        for (const pugi::xml_node entry : element.children("EnumEntry"))
+            enumeration->AddEntry(static_cast<EnumEntryNode &>(MakeEntry(entry, node)));
+        return;
+    }
+    for (const pugi::xml_node formula : element.children("IntSwissKnife"))
+        inner_.emplace(formula.hash_value(), &Make(*FindKind("IntSwissKnife"), formula));
+}
+
+Node &Loader::Make(const Kind &kind, pugi::xml_node element, pugi::xml_node outer)
+{
+    Add(kind.make(static_cast<NodeId>(state_.nodes.size()), NameOf(element), kind), element, outer);
+    return *state_.nodes.back();
+}
+
+/// Entries of different enumerations share names: as nodes they are called EnumEntry_Enumeration_Entry.
+Node &Loader::MakeEntry(pugi::xml_node element, const Node &owner)
+{
+    std::string_view name = NameOf(element), symbol = name;
+    const std::string prefix = "EnumEntry_" + std::string(owner.Name()) + "_";
+    if (name.starts_with(prefix))
+        symbol.remove_prefix(prefix.size());
+    else if (!name.empty())
+        name = table_.madeNames.emplace_back(prefix + std::string(name));
+    Add(new EnumEntryNode(static_cast<NodeId>(state_.nodes.size()), name, symbol, enumEntryKind), element, {});
+    return *state_.nodes.back();
+}
+
+void Loader::Add(Node *node, pugi::xml_node element, pugi::xml_node outer)
+{
+    state_.nodes.emplace_back(node);
+    offsets_.push_back(element.offset_debug());
+    if (node->Name().empty())
+        Fail(element, "has no Name");
+    if (state_.nodes.size() > maxNodes)
+        Fail(element, Say("is one node too many, ", std::to_string(maxNodes), " can be"));
+    const auto [place, isNew] = table_.byName.emplace(node->Name(), node);
+    if (!isNew)
+        FailLoading(*this, *node,
+                    Say("has the name of the node of line ", std::to_string(LineOf(*place->second)), " too"));
+    pending_.push_back({node, element, outer});
+}
+
+void Loader::TakeProperties(Node &node, pugi::xml_node element)
+{
+    for (const pugi::xml_node child : element.children()) {
+        if (child.type() != pugi::node_element)
+            continue;
+        const auto prop = FindProperty(child.name());
+        if (prop == Prop::StructEntry)
+            continue;
+        if (!prop || !node.Take(Property(*prop, child, node, *this)))
+            Note(child, Say("[", node.Name(), "] ", child.name(), " is not known of ", node.KindName()));
+    }
+}
+
+void Loader::CheckTargets() const
+{
+    for (const auto &node : state_.nodes)
+        for (const Link &link : node->Links())
+            if (NeedsNumber(link.role) && !HasNumber(link.target->Type()) && node->Type() != NodeType::String)
+                FailLoading(*this, *node,
+                            Say("needs a number of ", link.target->Name(), ", which is a ", link.target->KindName()));
+}
+
+Node *Loader::Resolve(std::string_view name) const
+{
+    const auto found = table_.byName.find(name);
+    return found == table_.byName.end() ? nullptr : found->second;
+}
+
+Node *Loader::InnerNode(pugi::xml_node element) const
+{
+    const auto found = inner_.find(element.hash_value());
+    return found == inner_.end() ? nullptr : found->second;
+}
+
+void Loader::Note(pugi::xml_node element, const std::string &text)
+{
+    if (table_.description.notes.size() < maxNotes)
+        table_.description.notes.push_back("line " + std::to_string(LineOf(element)) + ": " + text);
+}
+
+std::size_t Loader::LineOf(pugi::xml_node element) const { return LineAt(element.offset_debug()); }
+
+std::size_t Loader::LineAt(std::ptrdiff_t offset) const
+{
+    const auto end = std::clamp<std::ptrdiff_t>(offset, 0, static_cast<std::ptrdiff_t>(xml_.size()));
+    return 1 + static_cast<std::size_t>(std::count(xml_.begin(), xml_.begin() + end, '\n'));
+}
+
+void Loader::Fail(pugi::xml_node element, const std::string &text) const
+{
+    const std::string_view name = NameOf(element);
+    throw Error(Say("[", name.empty() ? "description" : name, "] line ", std::to_string(LineOf(element)), ": ",
+                    element.name(), " ", text));
+}
+
+} // namespace Orvi::GenApi

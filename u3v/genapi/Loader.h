@@ -1,0 +1,80 @@
+#pragma once
+// From the text of a description to nodes. Two passes: first all nodes by name, then their properties, so that a
+// reference may point forwards. What cannot be honoured is refused with node and line.
+
+#include "u3v/genapi/MapState.h"
+
+#include <pugixml.hpp>
+
+#include <deque>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace Orvi::GenApi {
+
+/// What a description says of itself, and what was not understood of it.
+struct Description {
+    std::string_view modelName, vendorName, toolTip, productGuid, versionGuid;
+    std::int64_t schemaMajor = 1, schemaMinor = 1;
+    std::vector<std::string> notes; ///< what was skipped: "line 12: [Gain] pFoo is not known"
+};
+
+/// The text, which all names and descriptions of nodes point into, and the look-up by name.
+struct NodeTable {
+    std::string text;
+    std::deque<std::string> madeNames; ///< of enumeration entries
+    std::unordered_map<std::string_view, Node *> byName;
+    Description description;
+};
+
+const Kind *FindKind(std::string_view element);
+extern const Kind enumEntryKind;
+
+class Loader {
+  public:
+    Loader(std::string_view xml, NodeTable &table, MapState &state) : xml_(xml), table_(table), state_(state) {}
+
+    void Load();
+
+    Node *Resolve(std::string_view name) const;
+    Node *InnerNode(pugi::xml_node element) const;
+    std::size_t LineOf(pugi::xml_node element) const;
+    std::size_t LineOf(const Node &node) const { return LineAt(offsets_[node.Id()]); }
+
+  private:
+    static constexpr std::size_t maxText = std::size_t{64} << 20;
+    static constexpr unsigned maxNesting = 64;
+    static constexpr std::size_t maxNotes = 100;
+
+    /// A node whose properties are still to be taken; a StructEntry has those of its StructReg too.
+    struct Pending {
+        Node *node;
+        pugi::xml_node element, outer;
+    };
+
+    void ReadHead(pugi::xml_node root);
+    void Collect(pugi::xml_node parent, unsigned nesting);
+    void CollectInner(pugi::xml_node element, Node &node);
+    Node &Make(const Kind &kind, pugi::xml_node element, pugi::xml_node outer = {});
+    Node &MakeEntry(pugi::xml_node element, const Node &owner);
+    void Add(Node *node, pugi::xml_node element, pugi::xml_node outer);
+    void TakeProperties(Node &node, pugi::xml_node element);
+    void CheckTargets() const;
+    void Note(pugi::xml_node element, const std::string &text);
+    std::size_t LineAt(std::ptrdiff_t offset) const;
+    [[noreturn]] void Fail(pugi::xml_node element, const std::string &text) const;
+
+    std::string_view xml_;
+    NodeTable &table_;
+    MapState &state_;
+    std::vector<Pending> pending_;
+    std::vector<std::ptrdiff_t> offsets_;
+    std::unordered_map<std::size_t, Node *> inner_; ///< by the element's hash value
+};
+
+/// Refuses nodes that depend on themselves, or on each other too deeply to be evaluated.
+void CheckDependencies(const Loader &loader, const MapState &state);
+
+} // namespace Orvi::GenApi

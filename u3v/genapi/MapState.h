@@ -1,0 +1,44 @@
+#pragma once
+// What the nodes of a map share while they work: the camera's memory, what is remembered of it, what depends on what,
+// and the clock.
+
+#include "u3v/genapi/Node.h"
+#include "u3v/genapi/Port.h"
+#include "u3v/genapi/RegisterCache.h"
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <unordered_map>
+
+namespace Orvi::GenApi {
+
+class RegisterNode;
+
+using Clock = std::function<std::chrono::milliseconds()>;
+
+class MapState {
+  public:
+    MapState(Port &camera, Clock clock) : port(camera), clock_(std::move(clock)) {}
+
+    Port &port;
+    RegisterCache cache;
+    std::vector<std::unique_ptr<Node>> nodes;
+
+    std::chrono::milliseconds Now() const;
+
+    /// @p node has a new value: forgets what that makes stale. Where the value is kept calls it, not each node above.
+    void Changed(Node &node);
+
+  private:
+    using Stale = std::vector<RegisterNode *>;
+
+    void ListReferrers();
+    Stale FindStale(Node &node);
+
+    Clock clock_;
+    std::vector<std::vector<Link>> referrers_; ///< links backwards: target is the node that has the link
+    std::unordered_map<const Node *, Stale> stale_;
+};
+
+} // namespace Orvi::GenApi

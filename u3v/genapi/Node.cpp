@@ -1,0 +1,191 @@
+#include "u3v/genapi/Node.h"
+
+#include "u3v/genapi/Formula.h"
+#include "u3v/genapi/Properties.h"
+#include "u3v/genapi/Say.h"
+
+#include <charconv>
+
+namespace Orvi::GenApi {
+
+namespace {
+
+constexpr std::string_view visibilityNames[] = {"Beginner", "Expert", "Guru", "Invisible"};
+constexpr std::string_view accessNames[] = {"NI", "NA", "WO", "RO", "RW"};
+constexpr std::string_view notationNames[] = {"Automatic", "Fixed", "Scientific"};
+constexpr std::string_view representationNames[] = {"Linear",    "Logarithmic", "Boolean",   "PureNumber",
+                                                    "HexNumber", "IPV4Address", "MACAddress"};
+
+} // namespace
+
+Node *Node::LinkTo(Role role) const
+{
+    for (const Link &link : links_)
+        if (link.role == role)
+            return link.target;
+    return nullptr;
+}
+
+bool Node::Take(const Property &property)
+{
+    switch (property.prop) {
+    // clang-format off
+    case Prop::ToolTip:           said_.toolTip = property.Text(); return true;
+    case Prop::Description:       said_.description = property.Text(); return true;
+    case Prop::DisplayName:       said_.displayName = property.Text(); return true;
+    case Prop::DocuURL:           said_.docuUrl = property.Text(); return true;
+    case Prop::Unit:              said_.unit = property.Text(); return true;
+    case Prop::EventID:           said_.eventId = property.Hex(); return true;
+    case Prop::Visibility:        said_.visibility = property.OneOf<Visibility>(visibilityNames); return true;
+    case Prop::Representation:    said_.representation = property.OneOf<Representation>(representationNames); return true;
+    case Prop::DisplayNotation:   said_.displayNotation = property.OneOf<DisplayNotation>(notationNames); return true;
+    case Prop::DisplayPrecision:  said_.displayPrecision = property.Int(); return true;
+    case Prop::ImposedAccessMode: said_.imposed = property.OneOf<AccessMode>(accessNames); return true;
+    case Prop::Streamable:        said_.streamable = property.YesNo(); return true;
+    case Prop::IsDeprecated:      said_.deprecated = property.YesNo(); return true;
+    case Prop::pIsImplemented:    implemented_ = property.Target(Role::Condition); return true;
+    case Prop::pIsAvailable:      available_ = property.Target(Role::Condition); return true;
+    case Prop::pIsLocked:         locked_ = property.Target(Role::Condition); return true;
+    case Prop::pError:            error_ = property.Target(Role::Error); return true;
+    case Prop::pInvalidator:      property.Target(Role::Invalidator); return true;
+    case Prop::pSelected:         property.Target(Role::Selected); return true;
+    case Prop::pAlias:
+    case Prop::pCastAlias:        property.Target(Role::Alias); return true;
+    // Known, and nothing that this runtime does depends on them.
+    case Prop::Extension:
+    case Prop::ExposeStatic:
+    case Prop::pBlockPolling:
+    case Prop::PollingTime:
+    case Prop::Cachable:          return true;
+    default:                      return false;
+        // clang-format on
+    }
+}
+
+AccessMode Node::ValueAccess(Run &) { return AccessMode::ReadOnly; }
+
+AccessMode Node::Access(Run &run)
+{
+    if (implemented_ && implemented_->GetInt(run) == 0)
+        return AccessMode::NotImplemented;
+    if (available_ && available_->GetInt(run) == 0)
+        return AccessMode::NotAvailable;
+    AccessMode mode = ValueAccess(run);
+    if (said_.imposed != AccessMode::ReadWrite)
+        mode = said_.imposed == AccessMode::NotAvailable && mode != AccessMode::NotImplemented
+                   ? AccessMode::NotAvailable
+                   : Combine(mode, said_.imposed);
+    if (locked_ && IsWritable(mode) && locked_->GetInt(run) != 0)
+        mode = mode == AccessMode::ReadWrite ? AccessMode::ReadOnly : AccessMode::NotAvailable;
+    return mode;
+}
+
+std::string Node::DescribeAccess(Run &run)
+{
+    const auto because = [](const Node *node, const char *what) { return " (" + std::string(node->Name()) + what; };
+    const AccessMode mode = Access(run);
+    if (mode == AccessMode::NotImplemented)
+        return "is not implemented" +
+               (implemented_ && implemented_->GetInt(run) == 0 ? because(implemented_, " is 0)") : std::string());
+    const bool isLocked = locked_ && locked_->GetInt(run) != 0;
+    if (mode == AccessMode::NotAvailable)
+        return "is not available now" + (available_ && available_->GetInt(run) == 0 ? because(available_, " is 0)")
+                                         : isLocked                                 ? because(locked_, " is not 0)")
+                                                                                    : std::string());
+    if (isLocked)
+        return "is locked" + because(locked_, " is not 0)");
+    if (mode == AccessMode::ReadOnly) {
+        // The lock of a node below says more than "read-only".
+        if (Node *target = LinkTo(Role::Value); target && !IsWritable(target->Access(run)))
+            return target->DescribeAccess(run);
+        return "is read-only";
+    }
+    return mode == AccessMode::WriteOnly ? "is write-only" : "can be read and written";
+}
+
+void Node::RequireReadable(Run &run)
+{
+    if (!IsReadable(Access(run)))
+        Fail(run, Say("cannot be read, it ", DescribeAccess(run)));
+}
+
+void Node::RequireWritable(Run &run)
+{
+    if (!IsWritable(Access(run)))
+        Fail(run, Say("cannot be written, it ", DescribeAccess(run)));
+}
+
+CachingMode Node::Caching() const
+{
+    CachingMode mode = CachingMode::WriteThrough;
+    for (const Link &link : links_)
+        if (link.role == Role::Value || link.role == Role::Variable || link.role == Role::Index) {
+            const CachingMode other = link.target->Caching();
+            if (other == CachingMode::NoCache || mode == CachingMode::WriteThrough)
+                mode = other;
+        }
+    return mode;
+}
+
+void Node::CheckError(Run &run)
+{
+    if (!error_)
+        return;
+    Run fresh{run.map, run.subject, false, true};
+    if (const std::int64_t code = error_->GetInt(fresh); code != 0) {
+        const bool named = error_->Type() == NodeType::Enumeration;
+        Fail(run,
+             Say("was refused by the camera, ", error_->Name(), " is ", (named ? error_->GetText(fresh) : Text(code))));
+    }
+}
+
+// clang-format off
+std::int64_t         Node::GetInt(Run &run)                      { FailKind(run, "an integer"); }
+void                 Node::SetInt(Run &run, std::int64_t)        { FailKind(run, "an integer"); }
+Limits<std::int64_t> Node::IntLimits(Run &run)                   { FailKind(run, "an integer"); }
+std::int64_t         Node::IntInc(Run &run)                      { FailKind(run, "an integer"); }
+double               Node::GetFloat(Run &run)                    { FailKind(run, "a float"); }
+void                 Node::SetFloat(Run &run, double)            { FailKind(run, "a float"); }
+Limits<double>       Node::FloatLimits(Run &run)                 { FailKind(run, "a float"); }
+std::optional<double> Node::FloatInc(Run &run)                   { FailKind(run, "a float"); }
+std::string          Node::GetText(Run &run)                     { FailKind(run, "a string"); }
+void                 Node::SetText(Run &run, std::string_view)   { FailKind(run, "a string"); }
+// clang-format on
+
+void Node::Fail(const Run &run, const std::string &what) const
+{
+    std::string text = "[" + std::string(run.subject.Name()) + "] " + what;
+    if (this != &run.subject)
+        text += " (at " + std::string(name_) + ")";
+    throw Error(text);
+}
+
+void Node::FailKind(const Run &run, std::string_view wanted) const
+{
+    Fail(run, Say("is a node of kind ", KindName(), ", not ", wanted));
+}
+
+std::int64_t RoundToInt(const Run &run, const Node &node, double value)
+{
+    if (const auto rounded = RoundToInt64(value))
+        return *rounded;
+    node.Fail(run, Say("cannot take ", Text(value), ", it fits no 64-bit integer"));
+}
+
+std::string Text(double value)
+{
+    char digits[40];
+    const auto result = std::to_chars(digits, digits + sizeof digits, value);
+    return {digits, result.ptr};
+}
+
+std::string Text(std::int64_t value) { return std::to_string(value); }
+
+std::string Hex(std::uint64_t value)
+{
+    char digits[20];
+    const auto result = std::to_chars(digits, digits + sizeof digits, value, 16);
+    return "0x" + std::string(digits, result.ptr);
+}
+
+} // namespace Orvi::GenApi

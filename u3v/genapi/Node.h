@@ -1,0 +1,153 @@
+#pragma once
+// What all nodes have in common: attributes, links to other nodes, the access mode through the chain, and the typed
+// operations, which a kind of node overrides as far as it has them.
+
+#include "u3v/genapi/Error.h"
+#include "u3v/genapi/NodeTypes.h"
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Orvi::GenApi {
+
+class Loader;
+class MapState;
+class Node;
+class Property;
+
+/// One call of the map's user: which node was asked for, and how.
+struct Run {
+    MapState &map;
+    const Node &subject;
+    bool verify = false;
+    bool ignoreCache = false;
+};
+
+/// What one node is to another.
+enum class Role : std::uint8_t {
+    Value,         ///< its value is the other's
+    Copy,          ///< its value is written there too
+    Index,         ///< chooses among values
+    Variable,      ///< in its formula
+    VariableLimit, ///< limits of it in its formula
+    Limit,         ///< minimum, maximum, increment
+    Condition,     ///< implemented, available, locked
+    Address,       ///< address and length of its register
+    Port,          ///< carries its register
+    CommandValue,
+    Error,
+    Invalidator, ///< a change of the other makes what is remembered of it stale
+    Selected,    ///< means something else for each value of this node
+    Feature,     ///< of a category
+    Entry,       ///< of an enumeration
+    Alias,
+};
+
+struct Link {
+    Node *target;
+    Role role;
+};
+
+template <class T>
+struct Limits {
+    T min, max;
+};
+
+/// One row for each kind of node; the table is in Kinds.cpp.
+struct Kind {
+    std::string_view element;
+    NodeType type;
+    Node *(*make)(NodeId, std::string_view name, const Kind &);
+};
+
+class Node {
+  public:
+    Node(NodeId id, std::string_view name, const Kind &kind) : id_(id), name_(name), kind_(&kind) {}
+    virtual ~Node() = default;
+    Node(const Node &) = delete;
+    Node &operator=(const Node &) = delete;
+
+    /// What the description says of every kind of node.
+    struct Attributes {
+        std::string_view toolTip, description, displayName, docuUrl, unit;
+        std::optional<std::uint64_t> eventId;
+        std::int64_t displayPrecision = 6;
+        Visibility visibility = Visibility::Beginner;
+        Representation representation = Representation::Undefined;
+        DisplayNotation displayNotation = DisplayNotation::Automatic;
+        AccessMode imposed = AccessMode::ReadWrite;
+        bool streamable = false;
+        bool deprecated = false;
+        bool feature = false; ///< a category lists it
+    };
+
+    NodeId Id() const { return id_; }
+    std::string_view Name() const { return name_; }
+    std::string_view KindName() const { return kind_->element; }
+    NodeType Type() const { return kind_->type; }
+    const Attributes &Said() const { return said_; }
+    const std::vector<Link> &Links() const { return links_; }
+    Node *LinkTo(Role role) const; ///< the first of that role, or null
+
+    /// Takes a property; false when this kind has none of that name.
+    virtual bool Take(const Property &property);
+    /// Called when all properties are taken.
+    virtual void Finish(Loader &) {}
+    void AddLink(Node &target, Role role) { links_.push_back({&target, role}); }
+    void SetFeature() { said_.feature = true; }
+    bool HasConditions() const { return implemented_ || available_ || locked_; }
+
+    /// What may be done now, through the whole chain.
+    AccessMode Access(Run &run);
+    /// Why Access() is what it is, for messages: "not available now (GainAvailable is 0)".
+    std::string DescribeAccess(Run &run);
+    void RequireReadable(Run &run);
+    void RequireWritable(Run &run);
+
+    virtual CachingMode Caching() const;
+
+    // The value as each type; the default refuses.
+    virtual std::int64_t GetInt(Run &run);
+    virtual void SetInt(Run &run, std::int64_t value);
+    virtual Limits<std::int64_t> IntLimits(Run &run);
+    virtual std::int64_t IntInc(Run &run);
+    virtual double GetFloat(Run &run);
+    virtual void SetFloat(Run &run, double value);
+    virtual Limits<double> FloatLimits(Run &run);
+    virtual std::optional<double> FloatInc(Run &run);
+    virtual std::string GetText(Run &run);
+    virtual void SetText(Run &run, std::string_view value);
+
+    /// "[subject] what (at this node)"
+    [[noreturn]] void Fail(const Run &run, const std::string &what) const;
+    [[noreturn]] void FailKind(const Run &run, std::string_view wanted) const;
+
+    /// After a write: the camera's own verdict, where the description has one.
+    void CheckError(Run &run);
+
+  protected:
+    /// What the value's own way allows: the node's target, register, formula.
+    virtual AccessMode ValueAccess(Run &run);
+
+  private:
+    NodeId id_;
+    std::string_view name_;
+    const Kind *kind_;
+    Attributes said_;
+    Node *implemented_ = nullptr, *available_ = nullptr, *locked_ = nullptr, *error_ = nullptr;
+    std::vector<Link> links_;
+};
+
+/// Rounds half away from zero, or refuses.
+std::int64_t RoundToInt(const Run &run, const Node &node, double value);
+
+/// Number in a message: no more digits than needed.
+std::string Text(double value);
+std::string Text(std::int64_t value);
+std::string Hex(std::uint64_t value);
+
+} // namespace Orvi::GenApi

@@ -1,0 +1,52 @@
+#pragma once
+// What is remembered of the camera's memory, byte by byte, so that registers that share or overlap an address never
+// disagree.
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <unordered_map>
+
+namespace Orvi::GenApi {
+
+class RegisterCache {
+  public:
+    /// 256 bytes of memory. Pages live as long as the cache, so that a register may keep the pointer to its page.
+    class Page {
+      public:
+        static constexpr std::size_t size = 256;
+
+        bool Read(std::size_t offset, std::span<std::byte> data) const;
+        void Store(std::size_t offset, std::span<const std::byte> data);
+        void Forget(std::size_t offset, std::size_t length);
+        void ForgetAll() { known_ = {}; }
+
+      private:
+        template <class F>
+        static bool EachWord(std::size_t offset, std::size_t length, F f);
+
+        std::array<std::byte, size> bytes_{};
+        std::array<std::uint64_t, size / 64> known_{}; ///< one bit a byte
+    };
+
+    /// The page of an address; null when the cache is full: such addresses are not remembered.
+    Page *PageOf(std::uint64_t address);
+
+    /// True when every byte was known.
+    bool Read(std::uint64_t address, std::span<std::byte> data);
+    void Store(std::uint64_t address, std::span<const std::byte> data);
+    void Forget(std::uint64_t address, std::size_t length);
+    void ForgetAll();
+
+  private:
+    static constexpr std::size_t maxPages = 16384;
+
+    template <class F>
+    static void EachPage(std::uint64_t address, std::size_t length, F f);
+
+    std::unordered_map<std::uint64_t, std::unique_ptr<Page>> pages_;
+};
+
+} // namespace Orvi::GenApi

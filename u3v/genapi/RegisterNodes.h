@@ -1,0 +1,133 @@
+#pragma once
+// Registers: address arithmetic, reading and writing through the cache, and the kinds that decode the bytes.
+
+#include "u3v/genapi/NumberNodes.h"
+#include "u3v/genapi/RegisterCache.h"
+
+#include <chrono>
+
+namespace Orvi::GenApi {
+
+class MapState;
+class PortNode;
+
+/// Everything that has an address. The number kinds inherit it beside NumberNode, so it is no Node itself.
+class RegisterNode {
+  public:
+    virtual ~RegisterNode() = default;
+
+    std::uint64_t AddressNow(Run &run);
+    std::size_t LengthNow(Run &run);
+    void Read(Run &run, std::span<std::byte> data);
+    /// @p mask says which bits a verifying write compares; empty means all.
+    void Write(Run &run, std::span<const std::byte> data, std::span<const std::byte> mask = {});
+    /// Makes the next read ask the camera.
+    void ForgetValue(MapState &map);
+
+    virtual Node &AsNode() = 0;
+    const Node &AsNode() const { return const_cast<RegisterNode *>(this)->AsNode(); }
+
+  protected:
+    static constexpr std::size_t maxLength = 64u << 20;
+
+    bool TakeRegister(const Property &property);
+    /// The length must be given and, when @p limit is not 0, constant and no longer.
+    void FinishRegister(Loader &loader, std::size_t limit);
+    AccessMode RegisterAccess(Run &run);
+    bool CanRead() const { return accessMode_ != AccessMode::WriteOnly; }
+    CachingMode RegisterCaching() const { return caching_; }
+    bool IsBigEndian() const;
+    std::size_t ConstantLength() const { return static_cast<std::size_t>(length_.constant); }
+
+  private:
+    struct Offset {
+        Node *index;
+        std::int64_t factor;
+        Node *factorNode;
+    };
+
+    bool IsRemembered() const;
+    bool IsExpired(MapState &map) const;
+    void ReadPort(Run &run, std::uint64_t address, std::span<std::byte> data);
+    void Remember(MapState &map, std::uint64_t address, std::span<const std::byte> data);
+
+    std::int64_t address_ = 0;
+    std::vector<Node *> addresses_;
+    std::vector<Offset> offsets_;
+    Source<std::int64_t> length_;
+    PortNode *port_ = nullptr;
+    AccessMode accessMode_ = AccessMode::ReadOnly;
+    CachingMode caching_ = CachingMode::WriteThrough;
+    bool bigEndian_ = false;
+    bool moves_ = false; ///< the address is not constant
+    std::int64_t pollingTime_ = 0;
+    std::chrono::milliseconds lastRead_{};
+    std::uint64_t lastAddress_ = 0;
+    std::vector<std::uint64_t> used_; ///< addresses that a moving register has been read at
+    RegisterCache::Page *page_ = nullptr;
+};
+
+/// The common part of the register kinds: @p Base is a NumberNode or Node.
+template <class Base>
+class RegisterKind : public Base, public RegisterNode {
+  public:
+    using Base::Base;
+
+    Node &AsNode() final { return *this; }
+    bool Take(const Property &property) override { return TakeRegister(property) || Base::Take(property); }
+    CachingMode Caching() const final { return RegisterCaching(); }
+
+  protected:
+    AccessMode ValueAccess(Run &run) final { return RegisterAccess(run); }
+};
+
+/// IntReg, MaskedIntReg, StructEntry.
+class IntRegNode final : public RegisterKind<NumberNode<std::int64_t>> {
+  public:
+    using RegisterKind::RegisterKind;
+
+    bool Take(const Property &property) override;
+    void Finish(Loader &loader) override;
+
+  protected:
+    std::int64_t Value(Run &run) override;
+    void SetValue(Run &run, std::int64_t value) override;
+    Limits<std::int64_t> ValueLimits(Run &run) override;
+
+  private:
+    using Bytes = std::array<std::byte, 8>;
+    std::uint64_t Decode(const Bytes &bytes) const;
+    Bytes Encode(std::uint64_t raw) const;
+
+    bool signed_ = false;
+    std::optional<std::int64_t> lsb_, msb_;
+    unsigned shift_ = 0, width_ = 64;
+};
+
+class FloatRegNode final : public RegisterKind<NumberNode<double>> {
+  public:
+    using RegisterKind::RegisterKind;
+    void Finish(Loader &loader) override;
+
+  protected:
+    double Value(Run &run) override;
+    void SetValue(Run &run, double value) override;
+    Limits<double> ValueLimits(Run &run) override;
+};
+
+class StringRegNode final : public RegisterKind<Node> {
+  public:
+    using RegisterKind::RegisterKind;
+    void Finish(Loader &loader) override { FinishRegister(loader, 0); }
+    std::string GetText(Run &run) override;
+    void SetText(Run &run, std::string_view value) override;
+};
+
+/// Register: bytes without a meaning.
+class BytesNode final : public RegisterKind<Node> {
+  public:
+    using RegisterKind::RegisterKind;
+    void Finish(Loader &loader) override { FinishRegister(loader, 0); }
+};
+
+} // namespace Orvi::GenApi
