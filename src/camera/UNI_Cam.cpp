@@ -64,8 +64,9 @@ CAM_API_STATUS Cam_ResetPort(CAM_HANDLE hCam)
     return CameraCall(__func__, hCam, LOG_TEXT("hCam=0x%llX", hCam), [&]() -> CAM_API_STATUS {
         if (const CAM_API_STATUS status = Forward(Uc::Cam_Reset, hCam))
             return status;
-        // The transport is done with the camera; the record stays, so that the handle is still known as a camera's.
-        return Forward(Uc::Cam_Close.ReportedAs("(UC_Cam_Close) Status %s\n"), hCam);
+        // The transport is done with the camera; the record stays, so that the handle is still known as a camera's. The
+        // diagnostic text of this function is the reset's, whichever call failed.
+        return Forward(Uc::Cam_Close.ReportedAs(Uc::Cam_Reset.failureText), hCam);
     });
 }
 
