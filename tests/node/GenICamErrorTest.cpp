@@ -1,6 +1,6 @@
 // The text of the last node failure.
 
-#include "tests/support/FrameContract.h"
+#include "tests/support/ApiTest.h"
 
 #include <thread>
 

@@ -1,6 +1,6 @@
 // What node functions do beyond the frame.
 
-#include "tests/support/FrameContract.h"
+#include "tests/support/ApiTest.h"
 
 namespace Orvi {
 CAM_API_STATUS Nd_SetEnumStrValue2(CAM_HANDLE hCam, CAM_HANDLE hNode, const char *pszBuf, bool bVerify);

@@ -3,6 +3,7 @@
 
 #include "tests/stub/StubTransport.h"
 #include "tests/support/Diagnostics.h"
+#include "tests/support/Handles.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Registry.h"
 #include "tests/support/StatusTable.h"
