@@ -320,7 +320,7 @@ TEST(Enumeration, KnowsItsEntriesByNameAndNumber)
     EXPECT_EQ(map->EntryNumericValue(on), 2.5);
     EXPECT_EQ(map["EnumEntry_Mode_On"], on);
     EXPECT_EQ(map->CurrentEntry(id), map->Entry(id, 0));
-    EXPECT_THAT(ErrorOf([&] { map->Entry(id, 4); }), HasSubstr("[Mode] has 4 entries, number 5"));
+    EXPECT_THAT(ErrorOf([&] { map->Entry(id, 4); }), HasSubstr("[Mode] has 4 entries, index 4"));
 }
 
 TEST(Enumeration, RefusesWhatIsNoEntry)

@@ -169,6 +169,14 @@ const std::vector<NodeId> &NodeMap::Features(NodeId category) const
     return Call(*this, category).As<CategoryNode>("a category").Features();
 }
 
+NodeId NodeMap::Feature(NodeId category, std::uint32_t index) const
+{
+    Call call(*this, category);
+    const auto &features = call.As<CategoryNode>("a category").Features();
+    call.CheckIndex(index, features.size(), "features");
+    return features[index];
+}
+
 std::vector<NodeId> NodeMap::Selected(NodeId selector) const
 {
     std::vector<NodeId> selected;
@@ -297,9 +305,7 @@ NodeId NodeMap::Entry(NodeId id, std::uint32_t index) const
 {
     Call call(*this, id);
     const auto &entries = call.Choice().Entries();
-    if (index >= entries.size())
-        call.node.Fail(call.run, Say("has ", std::to_string(entries.size()), " entries, number ",
-                                     std::to_string(std::uint64_t{index} + 1), " was asked for"));
+    call.CheckIndex(index, entries.size(), "entries");
     return entries[index]->Id();
 }
 

@@ -76,6 +76,7 @@ class NodeMap {
 
     // Relations.
     const std::vector<NodeId> &Features(NodeId category) const;
+    NodeId Feature(NodeId category, std::uint32_t index) const; ///< from 0
     std::vector<NodeId> Selected(NodeId selector) const;
     std::vector<NodeId> Selectors(NodeId feature) const;
     bool IsSelector(NodeId id) const;
