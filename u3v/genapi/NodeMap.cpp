@@ -67,6 +67,12 @@ struct NodeMap::Call {
         write();
         node.CheckError(run);
     }
+    void CheckIndex(std::uint32_t index, std::size_t size, std::string_view what) const
+    {
+        if (index >= size)
+            node.Fail(
+                run, Say("has ", std::to_string(size), " ", what, ", index ", std::to_string(index), " was asked for"));
+    }
     template <class T>
     T InRange(T value, const Limits<T> &limits) const
     {
