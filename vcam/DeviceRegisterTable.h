@@ -10,6 +10,9 @@ namespace Orvi::Vcam {
 /// Sizes in the stream interface are multiples of 2 to this power.
 constexpr std::uint32_t s_streamAlignmentLog2 = 10;
 
+/// The acquisition mode that is no acquisition command.
+constexpr std::uint32_t s_singleFrame = 1;
+
 struct DeviceRegister {
     std::uint64_t address;
     Rights rights;
@@ -26,7 +29,7 @@ inline constexpr DeviceRegister s_deviceRegisters[] = {
     {Reg::EventSelector,       Rights::ReadWrite, 0,          0, static_cast<std::uint32_t>(EventKind::Count) - 1, Locked::Never},
     {Reg::EventNotification,   Rights::ReadWrite, 0,          0, 1,                Locked::Never},
     {Reg::EventLostCount,      Rights::Read,      0,          0, 0,                Locked::Never},
-    {Reg::AcquisitionMode,     Rights::ReadWrite, AcquisitionCommand::Continuous, 1, 9, Locked::Never},
+    {Reg::AcquisitionMode,     Rights::ReadWrite, AcquisitionCommand::Continuous, s_singleFrame, AcquisitionCommand::MultiFrame, Locked::Never},
     {Reg::AcquisitionStart,    Rights::ReadWrite, 0,          1, 1,                Locked::Never},
     {Reg::AcquisitionAbort,    Rights::ReadWrite, 0,          1, 1,                Locked::Never},
     {Reg::AcquisitionActive,   Rights::Read,      0,          0, 0,                Locked::Never},

@@ -64,7 +64,9 @@ GenCpStatus Device::CheckQuadlet(std::uint64_t address, std::uint32_t value) con
         return GenCpStatus::AccessDenied;
     }
     const bool isInRange = value >= row->minimum && value <= row->maximum;
-    const bool isKnown = address != Reg::PixelFormat || FindPixelFormat(value) != nullptr;
+    const bool isKnown = (address != Reg::PixelFormat || FindPixelFormat(value) != nullptr) &&
+                         (address != Reg::AcquisitionMode || value == s_singleFrame ||
+                          value == AcquisitionCommand::Continuous || value == AcquisitionCommand::MultiFrame);
     return isInRange && isKnown ? GenCpStatus::Success : GenCpStatus::InvalidParameter;
 }
 
@@ -132,7 +134,7 @@ void Device::Written(std::uint64_t address, std::uint32_t value)
         break;
     case Reg::AcquisitionStart:
         registers_.SetWord(address, 0);
-        CarryOut(registers_.Word(Reg::AcquisitionMode));
+        StartAcquisition(registers_.Word(Reg::AcquisitionMode));
         break;
     case Reg::AcquisitionAbort:
         registers_.SetWord(address, 0);

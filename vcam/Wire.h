@@ -2,6 +2,7 @@
 // Little-endian integers in memory, as every part of USB3 Vision puts them.
 
 #include <bit>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -30,11 +31,17 @@ void StoreLe(std::byte *to, T value)
 class FieldWriter {
   public:
     explicit FieldWriter(std::span<std::byte> room) : room_(room) {}
-    template <class T>
+    template <std::integral T>
     FieldWriter &Put(T value)
     {
         StoreLe(room_.data() + used_, value);
         used_ += sizeof value;
+        return *this;
+    }
+    FieldWriter &Put(std::span<const std::byte> bytes)
+    {
+        std::memcpy(room_.data() + used_, bytes.data(), bytes.size());
+        used_ += bytes.size();
         return *this;
     }
     std::size_t Used() const { return used_; }

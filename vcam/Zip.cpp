@@ -3,6 +3,7 @@
 #include "vcam/Wire.h"
 
 #include <bit>
+#include <concepts>
 #include <stdexcept>
 #include <zlib.h>
 
@@ -34,21 +35,8 @@ Bytes Deflate(std::span<const std::byte> content)
     return packed;
 }
 
-struct Fields {
-    Bytes &to;
-    template <class T>
-    Fields &Put(T value)
-    {
-        to.resize(to.size() + sizeof value);
-        StoreLe(to.data() + to.size() - sizeof value, value);
-        return *this;
-    }
-    Fields &Put(std::span<const std::byte> bytes)
-    {
-        to.insert(to.end(), bytes.begin(), bytes.end());
-        return *this;
-    }
-};
+constexpr std::size_t s_commonSize = 26, s_localSize = 4 + s_commonSize, s_centralSize = 6 + s_commonSize + 14,
+                      s_endSize = 22;
 
 } // namespace
 
@@ -60,29 +48,24 @@ Bytes ZipOneFile(std::string_view name, std::span<const std::byte> content)
         crc32(0, reinterpret_cast<const Bytef *>(content.data()), static_cast<uInt>(content.size())));
     const std::span nameBytes = std::as_bytes(std::span(name));
 
+    // clang-format off
     // The part that the local and the central header share: version 2.0, no flags, deflated, 1980-01-01.
-    Bytes common;
-    Fields{common}
-        .Put(uint16_t{20})
-        .Put(uint16_t{0})
-        .Put(uint16_t{8})
-        .Put(uint16_t{0})
-        .Put(uint16_t{0x0021})
-        .Put(crc)
-        .Put(static_cast<uint32_t>(packed.size()))
-        .Put(static_cast<uint32_t>(content.size()))
-        .Put(static_cast<uint16_t>(name.size()))
-        .Put(uint16_t{0});
+    std::array<std::byte, s_commonSize> common;
+    FieldWriter(common)
+        .Put(uint16_t{20}).Put(uint16_t{0}).Put(uint16_t{8}).Put(uint16_t{0}).Put(uint16_t{0x0021})
+        .Put(crc).Put(static_cast<uint32_t>(packed.size())).Put(static_cast<uint32_t>(content.size()))
+        .Put(static_cast<uint16_t>(name.size())).Put(uint16_t{0});
 
-    Bytes archive;
-    Fields out{archive};
-    out.Put(uint32_t{0x04034B50}).Put(common).Put(nameBytes).Put(packed);
-    const auto central = static_cast<uint32_t>(archive.size());
-    out.Put(uint32_t{0x02014B50}).Put(uint16_t{20}).Put(common);
-    out.Put(uint16_t{0}).Put(uint16_t{0}).Put(uint16_t{0}).Put(uint32_t{0}).Put(uint32_t{0}).Put(nameBytes);
-    const auto centralSize = static_cast<uint32_t>(archive.size()) - central;
-    out.Put(uint32_t{0x06054B50}).Put(uint32_t{0}).Put(uint16_t{1}).Put(uint16_t{1});
-    out.Put(centralSize).Put(central).Put(uint16_t{0});
+    const std::size_t local = s_localSize + name.size() + packed.size();
+    const std::size_t central = s_centralSize + name.size();
+    Bytes archive(local + central + s_endSize);
+    FieldWriter(archive)
+        .Put(uint32_t{0x04034B50}).Put(common).Put(nameBytes).Put(packed)
+        .Put(uint32_t{0x02014B50}).Put(uint16_t{20}).Put(common)
+        .Put(uint16_t{0}).Put(uint16_t{0}).Put(uint16_t{0}).Put(uint32_t{0}).Put(uint32_t{0}).Put(nameBytes)
+        .Put(uint32_t{0x06054B50}).Put(uint32_t{0}).Put(uint16_t{1}).Put(uint16_t{1})
+        .Put(static_cast<uint32_t>(central)).Put(static_cast<uint32_t>(local)).Put(uint16_t{0});
+    // clang-format on
     return archive;
 }
 
