@@ -12,7 +12,7 @@
 
 #include "u3v/core/LastError.h"
 #include "u3v/core/Status.h"
-#include "u3v/genapi/Port.h"
+#include "u3v/genapi/Error.h"
 #include "u3v/protocol/Camera.h"
 #include "u3v/protocol/CameraTable.h"
 

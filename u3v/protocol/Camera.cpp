@@ -124,6 +124,13 @@ void Camera::WriteQuadlets(std::uint64_t address, std::span<const std::uint32_t>
 {
     RequireAligned(address);
     Control().Write(address, std::as_bytes(words));
+    ForgetCached();
+}
+
+void Camera::ForgetCached()
+{
+    if (nodes_ != nullptr)
+        nodes_->Invalidate();
 }
 
 std::string Camera::Text(InfoItem item)

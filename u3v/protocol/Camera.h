@@ -70,6 +70,9 @@ class Camera : private UsbLink::GoneListener {
     /// The description's text, fetched when it was not needed so far.
     const std::string &Xml();
 
+    /// What the nodes remember of the camera is out of date: something has changed it past them.
+    void ForgetCached();
+
     void ReadQuadlets(std::uint64_t address, std::span<std::uint32_t> words);
     void WriteQuadlets(std::uint64_t address, std::span<const std::uint32_t> words);
 

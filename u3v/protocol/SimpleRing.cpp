@@ -20,7 +20,7 @@ SimpleRing::SimpleRing(std::shared_ptr<Camera> camera, void *signal, const Sizes
         throw StatusError(CAM_API_STS_INVALID_PARAMETER, "a number of buffers or a payload size out of range");
     for (std::uint32_t i = 0; i < sizes.apiBuffers + sizes.internalBuffers; ++i) {
         memory_.push_back(std::make_unique_for_overwrite<std::byte[]>(sizes.payload));
-        StreamRequest &request = requests_.emplace_back();
+        Request &request = requests_.emplace_back();
         request.memory = memory_.back().get();
         request.size = sizes.payload;
         if (i < sizes.apiBuffers)
@@ -60,9 +60,13 @@ void SimpleRing::SetCallback(On what, const Callback &callback)
 
 void SimpleRing::CopyCurrent(void *buffer, std::uint32_t &size, CAM_STREAM_REQUEST_INFO *info)
 {
-    const std::uint32_t index = CurrentIndex();
-    Lock(index);
-    const StreamRequest &image = *SlotAt(index).image; // stays in its place while it is locked
+    std::unique_lock lock(mutex_);
+    if (!current_)
+        throw StatusError(CAM_API_STS_EMPTY_COMPLETE_QUEUE, "no image has arrived yet");
+    Slot &slot = slots_[*current_];
+    const Request &image = *slot.image;
+    ++slot.locks; // the image stays in its place without the mutex
+    lock.unlock();
     const std::uint32_t capacity = size;
     size = static_cast<std::uint32_t>(image.info.ullValidPayloadSize);
     if (info != nullptr)
@@ -70,7 +74,8 @@ void SimpleRing::CopyCurrent(void *buffer, std::uint32_t &size, CAM_STREAM_REQUE
     const bool fits = buffer != nullptr && capacity >= size;
     if (fits)
         std::memcpy(buffer, image.memory, size);
-    Unlock(index);
+    lock.lock();
+    --slot.locks;
     if (buffer != nullptr && !fits)
         throw StatusError(CAM_API_STS_BUFFER_TOO_SMALL, "the image is larger than the buffer");
 }
@@ -117,7 +122,7 @@ SimpleRing::Slot *SimpleRing::FindFreeSlot()
     return nullptr;
 }
 
-void SimpleRing::OnRequest(StreamRequest &request) noexcept
+void SimpleRing::OnRequest(Request &request) noexcept
 {
     if (request.info.uiStatus == CAM_API_STS_SUCCESS)
         OnImage(request);
@@ -125,7 +130,7 @@ void SimpleRing::OnRequest(StreamRequest &request) noexcept
         OnFailure(request);
 }
 
-void SimpleRing::OnImage(StreamRequest &image)
+void SimpleRing::OnImage(Request &image)
 {
     // While the application was busy the camera found no buffer posted.
     if (image.info.uiLostBlocks != 0)
@@ -145,7 +150,7 @@ void SimpleRing::OnImage(StreamRequest &image)
     }
     image.info.uiLostBlocks += lostSinceLast_;
     lostSinceLast_ = 0;
-    StreamRequest &old = *slot->image;
+    Request &old = *slot->image;
     slot->image = &image;
     current_ = static_cast<std::uint32_t>(slot - slots_.data());
     lock.unlock();
@@ -155,7 +160,7 @@ void SimpleRing::OnImage(StreamRequest &image)
     Call(On::Acquired, image.memory, image.info);
 }
 
-void SimpleRing::OnFailure(StreamRequest &request)
+void SimpleRing::OnFailure(Request &request)
 {
     const CAM_STREAM_REQUEST_INFO info = request.info;
     if (info.uiStatus == CAM_API_STS_FLUSHED_BY_CAMERA_REMOVE) {
@@ -173,7 +178,7 @@ void SimpleRing::OnFailure(StreamRequest &request)
     SetSignal(signal_);
 }
 
-void SimpleRing::Requeue(StreamRequest &request) noexcept
+void SimpleRing::Requeue(Request &request) noexcept
 {
     try {
         engine_.Queue(request);

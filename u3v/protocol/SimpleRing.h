@@ -45,21 +45,21 @@ class SimpleRing : public Stream, private StreamEngine::Sink {
 
   private:
     struct Slot {
-        StreamRequest *image;
+        Request *image;
         int locks = 0;
     };
 
-    void OnRequest(StreamRequest &request) noexcept override;
-    void OnImage(StreamRequest &image);
-    void OnFailure(StreamRequest &request);
+    void OnRequest(Request &request) noexcept override;
+    void OnImage(Request &image);
+    void OnFailure(Request &request);
     Slot *FindFreeSlot();
     Slot &SlotAt(std::uint32_t index);
-    void Requeue(StreamRequest &request) noexcept;
+    void Requeue(Request &request) noexcept;
     void Call(On what, const void *data, const CAM_STREAM_REQUEST_INFO &info);
 
     void *const signal_;
     std::deque<std::unique_ptr<std::byte[]>> memory_;
-    std::deque<StreamRequest> requests_;
+    std::deque<Request> requests_;
 
     mutable std::mutex mutex_;
     std::vector<Slot> slots_;

@@ -96,7 +96,7 @@ void StreamEngine::Stop()
     std::exception_ptr failure;
     try {
         StopAcquisition(*camera_);
-    } catch (const StatusError &) {
+    } catch (const std::exception &) {
         failure = std::current_exception();
     }
     try {
@@ -123,7 +123,7 @@ void StreamEngine::Close()
         throw StatusError(CAM_API_STS_BUSY, "a stream cannot be closed by its own callback");
     try {
         Stop();
-    } catch (const StatusError &error) {
+    } catch (const std::exception &error) {
         LogDevice(CAM_LOG_LEVEL_WARN, "stream of %s stopped without the camera: %s", link_.Identity().serial.c_str(),
                   error.what());
     }
@@ -145,14 +145,14 @@ void StreamEngine::Close()
     camera_->Detach(Pipe::Stream, *this);
 }
 
-void StreamEngine::Queue(StreamRequest &request)
+void StreamEngine::Queue(Request &request)
 {
     std::lock_guard lock(mutex_);
     if (isCameraClosed_)
         throw StatusError(CAM_API_STS_INVALID_CAMERA_HANDLE, "the camera is closed");
     if (isGone_)
         throw StatusError(CAM_API_STS_CAMERA_NOT_RESPONDING, "the camera was unplugged");
-    request.place = StreamRequest::Place::Waiting;
+    request.place = Request::Place::Waiting;
     waiting_.PushBack(request);
     if (isRunning_)
         wake_.notify_one();
@@ -202,8 +202,10 @@ void StreamEngine::StopCamera()
 {
     GenCp &control = camera_->Control();
     const std::uint64_t sirm = camera_->Map().sirm;
-    if (ReadRegister(control, sirm, Sirm::control) != 0)
+    if (ReadRegister(control, sirm, Sirm::control) != 0) {
         WriteRegister(control, sirm, Sirm::control, 0U);
+        camera_->ForgetCached();
+    }
 }
 
 void StreamEngine::ClearEndpoint()
@@ -223,7 +225,7 @@ void StreamEngine::OnCameraClose()
 {
     try {
         Stop();
-    } catch (const StatusError &) {
+    } catch (const std::exception &) {
         // Closing goes on: what is queued is flushed in any case.
     }
     {
@@ -237,7 +239,7 @@ void StreamEngine::Reset()
 {
     try {
         Stop();
-    } catch (const StatusError &) {
+    } catch (const std::exception &) {
         // The endpoint is cleared in any case.
     }
     ClearEndpoint();
@@ -324,8 +326,8 @@ bool StreamEngine::CanPost() const
 void StreamEngine::PostNext(std::unique_lock<std::mutex> &lock)
 {
     if (underWay_ == 0 || FrameAt(underWay_ - 1).IsFullyPosted()) {
-        StreamRequest &request = *waiting_.PopFront();
-        request.place = StreamRequest::Place::InFlight;
+        Request &request = *waiting_.PopFront();
+        request.place = Request::Place::InFlight;
         FrameAt(underWay_++).Begin(request);
     }
     StreamFrame &frame = FrameAt(underWay_ - 1);
@@ -360,7 +362,7 @@ void StreamEngine::FinishHead(std::unique_lock<std::mutex> &lock)
         isGone_ = true;
         return;
     }
-    StreamRequest &request = frame.Request();
+    Request &request = frame.Carried();
     const StreamFrame::Result result = frame.Evaluate();
     head_ = (head_ + 1) % frames_.size();
     --underWay_;
@@ -379,7 +381,7 @@ void StreamEngine::FinishHead(std::unique_lock<std::mutex> &lock)
         Realign(lock);
 }
 
-void StreamEngine::CountLost(StreamRequest &request, std::uint64_t blockId)
+void StreamEngine::CountLost(Request &request, std::uint64_t blockId)
 {
     if (lastBlockId_ && blockId > *lastBlockId_ + 1) {
         const std::uint64_t lost = blockId - *lastBlockId_ - 1;
@@ -420,7 +422,7 @@ void StreamEngine::DrainAll(std::unique_lock<std::mutex> &lock, Drain how)
     RequestList unfilled;
     while (underWay_ != 0) {
         StreamFrame &frame = FrameAt(0);
-        StreamRequest &request = frame.Request();
+        Request &request = frame.Carried();
         head_ = (head_ + 1) % frames_.size();
         --underWay_;
         if (!frame.IsDone() || frame.IsBroken()) {
@@ -431,25 +433,25 @@ void StreamEngine::DrainAll(std::unique_lock<std::mutex> &lock, Drain how)
             CountLost(request, *result.blockId);
         Deliver(lock, request);
     }
-    while (StreamRequest *request = waiting_.PopFront())
+    while (Request *request = waiting_.PopFront())
         unfilled.PushBack(*request);
     if (how == Drain::Requeue) {
-        while (StreamRequest *request = unfilled.PopFront()) {
-            request->place = StreamRequest::Place::Waiting;
+        while (Request *request = unfilled.PopFront()) {
+            request->place = Request::Place::Waiting;
             waiting_.PushBack(*request);
         }
         return;
     }
     const CAM_API_STATUS status =
         how == Drain::Flush ? CAM_API_STS_FLUSH_REQUESTED : CAM_API_STS_FLUSHED_BY_CAMERA_REMOVE;
-    while (StreamRequest *request = unfilled.PopFront()) {
+    while (Request *request = unfilled.PopFront()) {
         request->info = {};
         request->info.uiStatus = status;
         Deliver(lock, *request);
     }
 }
 
-void StreamEngine::Deliver(std::unique_lock<std::mutex> &lock, StreamRequest &request)
+void StreamEngine::Deliver(std::unique_lock<std::mutex> &lock, Request &request)
 {
     lock.unlock();
     sink_.OnRequest(request);

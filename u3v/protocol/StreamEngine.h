@@ -22,7 +22,7 @@ class StreamEngine : private BulkIn::Listener, private Camera::Channel {
       public:
         /// A request has completed as its information says, and is the sink's. On the stream's thread, no lock held;
         /// may call the engine, except Close().
-        virtual void OnRequest(StreamRequest &request) noexcept = 0;
+        virtual void OnRequest(Request &request) noexcept = 0;
 
       protected:
         ~Sink() = default;
@@ -42,7 +42,7 @@ class StreamEngine : private BulkIn::Listener, private Camera::Channel {
     void Close();
 
     /// Queues a request that is its owner's. Throws StatusError: 0x13 when the camera is gone, 0x7 when it is closed.
-    void Queue(StreamRequest &request);
+    void Queue(Request &request);
 
     /// Images lost since the start: gaps in the block ids.
     std::uint64_t LostCount() const { return lostCount_; }
@@ -66,8 +66,8 @@ class StreamEngine : private BulkIn::Listener, private Camera::Channel {
     void Cancel(std::unique_lock<std::mutex> &lock, StreamFrame &frame);
     void DrainAll(std::unique_lock<std::mutex> &lock, Drain how);
     void Realign(std::unique_lock<std::mutex> &lock);
-    void Deliver(std::unique_lock<std::mutex> &lock, StreamRequest &request);
-    void CountLost(StreamRequest &request, std::uint64_t blockId);
+    void Deliver(std::unique_lock<std::mutex> &lock, Request &request);
+    void CountLost(Request &request, std::uint64_t blockId);
 
     std::unique_lock<std::mutex> LockOperation();
     /// Has the stream's thread do something and waits for it; on that thread itself, does it.

@@ -53,7 +53,7 @@ StreamFrame::StreamFrame(UsbLink &link, BulkIn::Listener &listener, const Stream
     }
 }
 
-void StreamFrame::Begin(StreamRequest &request)
+void StreamFrame::Begin(Request &request)
 {
     request_ = &request;
     posted_ = returned_ = 0;

@@ -2,8 +2,8 @@
 // The transfers under one request: leader, payload straight into the request's memory, trailer; and what they turn out
 // to have carried.
 
+#include "u3v/protocol/Request.h"
 #include "u3v/protocol/StreamLayout.h"
-#include "u3v/protocol/StreamRequest.h"
 #include "u3v/usb/UsbLink.h"
 
 #include <memory>
@@ -22,8 +22,8 @@ class StreamFrame {
     /// Of the frame that a transfer belongs to.
     static std::size_t IndexOf(const BulkIn &transfer) { return transfer.tag >> 32; }
 
-    void Begin(StreamRequest &request);
-    StreamRequest &Request() const { return *request_; }
+    void Begin(Request &request);
+    Request &Carried() const { return *request_; }
 
     // Posting and returning: counts and calls for the engine.
     std::size_t Size() const { return transfers_.size(); }
@@ -71,7 +71,7 @@ class StreamFrame {
     std::size_t edgeSlot_ = SIZE_MAX;
     std::size_t edgeOffset_ = 0;
 
-    StreamRequest *request_ = nullptr;
+    Request *request_ = nullptr;
     std::size_t posted_ = 0;
     std::size_t returned_ = 0;
     bool isBroken_ = false;

@@ -9,16 +9,16 @@
 
 namespace Orvi::U3v {
 
-struct StreamRequest {
+struct Request {
     enum class Place : std::uint8_t { Owner, Waiting, InFlight, Complete, Released };
 
     std::byte *memory = nullptr;
     std::size_t size = 0;
-    CAM_STREAM_REQUEST_INFO info{};
+    CAM_STREAM_REQUEST_INFO info{}; ///< of an event only status and valid size
     std::atomic<Place> place = Place::Owner;
     std::uint64_t handle = 0;
     const void *channel = nullptr; ///< whose request it is
-    StreamRequest *next = nullptr; ///< in the list that it is in
+    Request *next = nullptr;       ///< in the list that it is in
 };
 
 /// A queue through the requests themselves: no allocation on the way of an image.
@@ -26,14 +26,14 @@ class RequestList {
   public:
     bool IsEmpty() const { return first_ == nullptr; }
 
-    void PushBack(StreamRequest &request)
+    void PushBack(Request &request)
     {
         request.next = nullptr;
         *(last_ == nullptr ? &first_ : &last_->next) = &request;
         last_ = &request;
     }
 
-    void PushFront(StreamRequest &request)
+    void PushFront(Request &request)
     {
         request.next = first_;
         first_ = &request;
@@ -42,9 +42,9 @@ class RequestList {
     }
 
     /// Null when empty.
-    StreamRequest *PopFront()
+    Request *PopFront()
     {
-        StreamRequest *request = first_;
+        Request *request = first_;
         if (request == nullptr)
             return nullptr;
         first_ = request->next;
@@ -53,18 +53,18 @@ class RequestList {
         return request;
     }
 
-    void Remove(StreamRequest &request)
+    void Remove(Request &request)
     {
         RequestList rest;
-        while (StreamRequest *other = PopFront())
+        while (Request *other = PopFront())
             if (other != &request)
                 rest.PushBack(*other);
         *this = rest;
     }
 
   private:
-    StreamRequest *first_ = nullptr;
-    StreamRequest *last_ = nullptr;
+    Request *first_ = nullptr;
+    Request *last_ = nullptr;
 };
 
 } // namespace Orvi::U3v

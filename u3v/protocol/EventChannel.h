@@ -1,0 +1,97 @@
+#pragma once
+// Asynchronous events of a camera: packets of the event interface, taken apart into events, each delivered into a
+// request of the application or a buffer of the channel's own.
+//
+// A delivered event is a block of our own layout: event id at 14 (16 bits), stream channel at 18 (16), device time in
+// ns at 20 (64), length of the event's own data at 28 (32), block id or 0 at 32 (64), the data from 40.
+
+#include "u3v/protocol/Camera.h"
+#include "u3v/protocol/EventNodes.h"
+#include "u3v/protocol/EventPacket.h"
+#include "u3v/protocol/RequestBook.h"
+
+#include <deque>
+#include <thread>
+#include <vector>
+
+namespace Orvi::U3v {
+
+class EventChannel : private BulkIn::Listener, private Camera::Channel {
+  public:
+    using Book = RequestBook<HandleKind::EventRequest>;
+
+    /// With ownBuffers > 0 the channel keeps so many buffers itself, else the application registers requests. Throws
+    /// StatusError: 0x4 when the camera has an event channel already, 0x11 when it sends no events.
+    EventChannel(std::shared_ptr<Camera> camera, void *signal, std::size_t transferSize, std::uint32_t ownBuffers);
+    ~EventChannel() { Close(); }
+
+    /// Switches the events off and ends the thread.
+    void Close();
+
+    /// `signal` is set when that event arrives. Throw StatusError: 0x5 when it is on, 0x3 when it is not.
+    void Activate(const std::string &name, const std::string &nodeName, void *signal);
+    void Deactivate(const std::string &name);
+
+    std::uint64_t Register(void *memory, std::size_t size);
+    void Deregister(std::uint64_t handle);
+    void Queue(std::uint64_t handle);
+    /// Completes all queued requests with 0x100B. Own buffers: drops the events that wait.
+    void Flush();
+
+    struct Delivered {
+        const unsigned char *data;
+        std::uint64_t request; ///< 0 for own buffers
+    };
+    /// The oldest delivered event; that of an own buffer is valid until the next call. Throws StatusError: 0x14 when
+    /// there is none, else the status with which the request ended, with `request` set.
+    Delivered Take(std::uint64_t &request);
+
+    std::uint64_t LostCount() const;      ///< events for which no buffer was free
+    std::uint64_t MalformedCount() const; ///< packets that could not be understood
+
+  private:
+    struct Transfer {
+        std::vector<std::byte> buffer;
+        std::unique_ptr<BulkIn> in;
+    };
+
+    void OnDone(BulkIn &transfer) noexcept override;
+    void OnGone() noexcept override;
+    void OnCameraClose() override;
+    void Abort() override { Flush(); }
+    void Reset() override;
+
+    void Run();
+    void HandleTransfer(std::unique_lock<std::mutex> &lock, BulkIn &transfer);
+    void HandlePacket(std::span<const std::byte> packet);
+    void HandleEvent(const EventEntry &event);
+    void Deliver(const EventEntry &event, std::uint64_t blockId);
+    void CompleteWaiting(CAM_API_STATUS status);
+    void SwitchOff() noexcept;
+    bool HasOwnBuffers() const { return !own_.empty(); }
+
+    const std::shared_ptr<Camera> camera_;
+    UsbLink &link_;
+    Book book_;
+    EventNodes nodes_;
+    std::vector<Transfer> transfers_;
+    std::deque<Request> own_;
+    std::vector<std::vector<std::byte>> ownMemory_;
+    Request *lent_ = nullptr; // own buffer that the application looks at
+
+    mutable std::mutex mutex_;
+    std::condition_variable wake_;
+    std::deque<BulkIn *> done_;
+    RequestList waiting_;
+    std::size_t pending_ = 0;
+    bool isGone_ = false, isCameraClosed_ = false, isClosing_ = false, isClosed_ = false;
+    int failures_ = 0; // in a row
+    std::uint64_t lost_ = 0, malformed_ = 0;
+
+    std::thread thread_;
+};
+
+using EventTable = HandleTable<EventChannel, HandleKind::Event, CAM_API_STS_INVALID_EVENT_HANDLE>;
+EventTable &EventChannels();
+
+} // namespace Orvi::U3v
