@@ -57,7 +57,7 @@ Feature Camera::Find(const std::string &name) const
 Feature Camera::Apply(const std::string &assignment) const
 {
     const std::size_t equals = assignment.find('=');
-    const Feature feature = Find(assignment.substr(0, equals));
+    Feature feature = Find(assignment.substr(0, equals));
     if (equals == std::string::npos)
         feature.Execute();
     else

@@ -41,7 +41,7 @@ InterruptWatcher::InterruptWatcher(std::function<void()> onInterrupt) : onInterr
 InterruptWatcher::~InterruptWatcher()
 {
     ending_ = true;
-    pthread_kill(thread_.native_handle(), SIGTERM);
+    pthread_kill(thread_.native_handle(), SIGINT);
     thread_.join();
 }
 

@@ -73,8 +73,7 @@ Picture TakeApart(const CAM_STREAM_REQUEST_INFO &info, std::span<const std::byte
 
     const std::uint64_t perLine = std::uint64_t{info.uiWidth} * format->channels;
     const std::uint64_t lineBits = std::uint64_t{info.uiWidth} * BitsPerPixel(format->code) + 8ull * info.uiPaddingX;
-    const std::uint64_t needed = (lineBits * info.uiHeight + 7) / 8;
-    if (perLine == 0 || info.uiHeight == 0 || needed > data.size())
+    if (perLine == 0 || info.uiHeight == 0 || info.uiHeight > data.size() * 8 / lineBits)
         throw Failure(ExitCode::Images, "image " + std::to_string(info.ullBlockId) + " says " +
                                             std::to_string(info.uiWidth) + " x " + std::to_string(info.uiHeight) + " " +
                                             format->name + ", which does not fit its " + std::to_string(data.size()) +
