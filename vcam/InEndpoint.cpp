@@ -49,19 +49,19 @@ InEndpoint::InEndpoint(std::size_t packetSize, std::function<void()> onPosted)
 void InEndpoint::Submit(InTransfer &transfer)
 {
     transfer.received = 0;
-    transfer.status = TransferStatus::Completed;
+    bool isQueued = false;
     {
         const std::lock_guard lock(mutex_);
-        if (!halted_ && !gone_) {
-            posted_.push_back(&transfer);
-        } else {
-            transfer.status = gone_ ? TransferStatus::Gone : TransferStatus::Stalled;
+        isQueued = !halted_ && !gone_;
+        transfer.status = gone_ ? TransferStatus::Gone : halted_ ? TransferStatus::Stalled : TransferStatus::Completed;
+        if (isQueued) {
+            posted_.push_back(&transfer); // from here on it may complete at any time
         }
     }
-    if (transfer.status != TransferStatus::Completed) {
-        transfer.Complete();
-    } else {
+    if (isQueued) {
         onPosted_();
+    } else {
+        transfer.Complete();
     }
 }
 
