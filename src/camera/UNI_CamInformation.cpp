@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <string>
 
 static_assert(sizeof(CAM_INFO) == 2044 && offsetof(CAM_INFO, uiLinkSpeed) == 460);
 static_assert(sizeof(CAM_U3V_INFO_EX) == 4104);
@@ -105,7 +106,7 @@ void LogText(const char *pszLabel, const char (&szText)[64])
     line.Append(pszLabel);
     line.Append({szText, strnlen(szText, sizeof szText)});
     line.Append("\n");
-    _Uni_WriteLog2(CAM_LOG_LEVEL_DEBUG, line.Text());
+    _Uni_WriteLog2(CAM_LOG_LEVEL_DEBUG, std::string(line.Text()).c_str());
 }
 
 } // namespace

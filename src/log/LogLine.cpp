@@ -1,6 +1,7 @@
 #include "log/LogLine.h"
 
-#include <algorithm>
+#include "foundation/TextBytes.h"
+
 #include <cstdio>
 #include <cstring>
 
@@ -10,23 +11,24 @@ namespace Orvi {
 
 namespace {
 
-constexpr std::string_view s_levelWords[] = {"DEBUG,", "INFO ,", "WARN ,", "ERROR,", "FATAL,"};
-
-/// Writes the lowest digits of a number, with leading zeros.
-void WriteDigits(char *end, int count, unsigned long value, unsigned base)
-{
-    for (; count > 0; --count, value /= base)
-        *--end = "0123456789abcdef"[value % base];
-}
+constexpr char s_levelWords[][6] = {{'D', 'E', 'B', 'U', 'G', ','},
+                                    {'I', 'N', 'F', 'O', ' ', ','},
+                                    {'W', 'A', 'R', 'N', ' ', ','},
+                                    {'E', 'R', 'R', 'O', 'R', ','},
+                                    {'F', 'A', 'T', 'A', 'L', ','}};
 
 } // namespace
 
-LogLine::LogLine(timeval elapsed, LogOrigin origin, uint32_t uiLevel, std::string_view text, const char *status)
+LogLine::LogLine(int64_t elapsed, LogOrigin origin, uint32_t uiLevel, std::string_view text, const char *status)
 {
     AppendSeconds(elapsed);
-    Append(origin == LogOrigin::Api ? ",API " : ",APL ");
-    Append(s_levelWords[uiLevel]);
-    AppendThread();
+    AppendFixed(origin == LogOrigin::Api ? ",API " : ",APL ");
+    std::memcpy(bytes_ + size_, s_levelWords[uiLevel], sizeof s_levelWords[uiLevel]);
+    size_ += sizeof s_levelWords[uiLevel];
+    AppendFixed("ThreadId:0x");
+    WriteHex8(bytes_ + size_, static_cast<uint32_t>(pthread_self()), HexCase::Lower);
+    size_ += 8;
+    AppendFixed(",");
 
     const std::size_t end = size_ + maxText;
     Append(text.substr(0, maxText));
@@ -34,38 +36,35 @@ LogLine::LogLine(timeval elapsed, LogOrigin origin, uint32_t uiLevel, std::strin
         for (std::string_view part : {std::string_view("("), std::string_view(status), std::string_view(")")})
             Append(part.substr(0, end - size_));
     }
-    Append("\n");
+    bytes_[size_++] = '\n';
+}
+
+template <std::size_t size>
+void LogLine::AppendFixed(const char (&text)[size])
+{
+    std::memcpy(bytes_ + size_, text, size - 1);
+    size_ += size - 1;
 }
 
 void LogLine::Append(std::string_view text)
 {
-    std::memcpy(bytes_ + size_, text.data(), text.size());
+    CopyBytes(bytes_ + size_, text.data(), text.size());
     size_ += text.size();
 }
 
 /// What "%.06f" gives, which would cost more than the rest of the line.
-void LogLine::AppendSeconds(timeval elapsed)
+void LogLine::AppendSeconds(int64_t elapsed)
 {
-    if (elapsed.tv_sec < 0) { // the clock was set back
-        const double seconds = static_cast<double>(elapsed.tv_sec) + static_cast<double>(elapsed.tv_usec) / 1e6;
-        size_ += static_cast<std::size_t>(std::snprintf(bytes_ + size_, maxHead, "%.06f", seconds));
+    constexpr int64_t second = 1000000;
+    if (elapsed < 0 || elapsed / second > INT32_MAX) { // the clock was set
+        size_ += static_cast<std::size_t>(
+            std::snprintf(bytes_ + size_, maxHead, "%.06f", static_cast<double>(elapsed) / 1e6));
         return;
     }
-    const auto seconds = static_cast<unsigned long>(elapsed.tv_sec);
-    int digits = 1;
-    for (unsigned long rest = seconds / 10; rest != 0; rest /= 10)
-        ++digits;
-    char *point = bytes_ + size_ + digits;
-    WriteDigits(point, digits, seconds, 10);
-    *point = '.';
-    WriteDigits(point + 7, 6, static_cast<unsigned long>(elapsed.tv_usec), 10);
-    size_ += static_cast<std::size_t>(digits) + 7;
-}
-
-void LogLine::AppendThread()
-{
-    Append("ThreadId:0x00000000,");
-    WriteDigits(bytes_ + size_ - 1, 8, pthread_self() & 0xFFFFFFFF, 16);
+    size_ += WriteDecimal(bytes_ + size_, static_cast<int32_t>(elapsed / second));
+    bytes_[size_] = '.';
+    WriteSixDigits(bytes_ + size_ + 1, static_cast<uint32_t>(elapsed % second));
+    size_ += 7;
 }
 
 } // namespace Orvi

@@ -1,5 +1,7 @@
 #include "log/LogStorage.h"
 
+#include "foundation/TextBytes.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -30,7 +32,7 @@ void LogRing::Write(std::string_view text)
 {
     while (!text.empty()) {
         const std::size_t count = std::min<std::size_t>(text.size(), s_logBufferSize - s_logWritePointer);
-        std::memcpy(s_logBuffer + s_logWritePointer, text.data(), count);
+        CopyBytes(reinterpret_cast<char *>(s_logBuffer) + s_logWritePointer, text.data(), count);
         text.remove_prefix(count);
         s_logWritePointer += static_cast<uint32_t>(count);
         if (s_logWritePointer == s_logBufferSize) {

@@ -8,7 +8,6 @@
 #include <cstring>
 #include <ctime>
 #include <string>
-#include <string_view>
 
 #include <pthread.h>
 #include <sys/stat.h>
@@ -46,13 +45,11 @@ void Start(LogType type, uint32_t uiLevel)
     g_bUniLogInit = true;
 }
 
-timeval Elapsed()
+int64_t ElapsedMicroseconds()
 {
     timeval now;
     gettimeofday(&now, nullptr);
-    timeval elapsed;
-    timersub(&now, &s_nStart, &elapsed);
-    return elapsed;
+    return (now.tv_sec - s_nStart.tv_sec) * 1000000 + (now.tv_usec - s_nStart.tv_usec);
 }
 
 /// Appends bytes to the log. The two failures leave the lock held: from then on the log is frozen, and whoever writes
@@ -83,7 +80,7 @@ int32_t WriteLine(uint32_t uiLevel, LogOrigin origin, std::string_view text, con
         return 0;
     if (uiLevel > CAM_LOG_LEVEL_FATAL)
         return s_iBadLevel;
-    const LogLine line(Elapsed(), origin, uiLevel, text, status);
+    const LogLine line(ElapsedMicroseconds(), origin, uiLevel, text, status);
     return Store(line.Bytes(), std::string_view::npos);
 }
 
@@ -99,16 +96,16 @@ bool DirectoryExists(const char *pszPath)
 
 } // namespace
 
-void Uni_OutLog(uint32_t uiStatus, const char *pszText)
+void Uni_OutLog(uint32_t uiStatus, const char *pszText) { Uni_OutLog(uiStatus, View(pszText)); }
+
+void Uni_OutLog(uint32_t uiStatus, std::string_view text)
 {
     if (!g_bUniLogInit)
         return;
-    if (uiStatus == CAM_API_STS_SUCCESS) {
-        WriteLine(CAM_LOG_LEVEL_INFO, LogOrigin::Api, View(pszText), nullptr);
-        return;
-    }
-    if (const StatusFacts *facts = FindStatus(uiStatus))
-        WriteLine(facts->level, LogOrigin::Api, View(pszText), facts->PublicName());
+    if (uiStatus == CAM_API_STS_SUCCESS)
+        WriteLine(CAM_LOG_LEVEL_INFO, LogOrigin::Api, text, nullptr);
+    else if (const StatusFacts *facts = FindStatus(uiStatus))
+        WriteLine(facts->level, LogOrigin::Api, text, facts->PublicName());
 }
 
 int32_t Uni_WriteLogApi(uint32_t uiLevel, const char *pszText) { return _Uni_WriteLog(uiLevel, true, pszText); }

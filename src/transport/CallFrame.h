@@ -68,8 +68,7 @@ class CallFrame {
 
   private:
     template <class Text>
-    [[gnu::noinline, gnu::cold]] static void WriteLine(const char *kind, const char *name, CAM_API_STATUS status,
-                                                       const Text &text)
+    [[gnu::noinline]] static void WriteLine(const char *kind, const char *name, CAM_API_STATUS status, const Text &text)
     {
         LogWriter line;
         line.Append(kind);

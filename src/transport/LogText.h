@@ -3,7 +3,9 @@
 // the log is up.
 
 #include "foundation/PublicApi.h"
+#include "foundation/TextBytes.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <string_view>
 #include <type_traits>
@@ -48,59 +50,72 @@ struct LogArgument {
     };
 };
 
-/// A format with the conversions that the log uses: %d %08X %llX %llx %s %15.9f. Does not compile when it does not
-/// match its arguments.
+/// The conversions that the log uses.
+struct LogConversion {
+    std::string_view text; ///< behind the percent sign
+    LogArgument::Kind kind;
+};
+inline constexpr LogConversion s_logConversions[] = {
+    {"d", LogArgument::Kind::Word},   {"08X", LogArgument::Kind::Word}, {"llX", LogArgument::Kind::Wide},
+    {"llx", LogArgument::Kind::Wide}, {"s", LogArgument::Kind::Text},   {"15.9f", LogArgument::Kind::Real},
+};
+
+/// A literal and the conversion behind it. Small: a format travels in registers.
+struct LogPiece {
+    uint8_t literal = 0;    ///< bytes before the percent sign
+    uint8_t skipped = 0;    ///< bytes of the conversion
+    char conversion = '\0'; ///< d, 0, X, x, s or f; none behind the last literal
+};
+
+/// A format taken apart when the library is compiled. Does not compile when it does not match its arguments.
 template <class... Arguments>
 struct LogFormat {
     template <std::size_t size>
-    consteval LogFormat(const char (&format)[size]) : text(format)
+    consteval LogFormat(const char (&format)[size]) : text(format), pieces{}
     {
+        static_assert(size < 256);
         constexpr LogArgument::Kind kinds[] = {LogArgument::KindOf<Arguments>()..., LogArgument::Kind::Word};
-        std::size_t argument = 0;
-        for (std::string_view rest(format, size - 1); !rest.empty();) {
+        std::string_view rest(format, size - 1);
+        for (std::size_t argument = 0; argument < sizeof...(Arguments); ++argument) {
+            LogPiece &piece = pieces[argument];
             const std::size_t percent = rest.find('%');
             if (percent == std::string_view::npos)
-                break;
+                throw "an argument without a conversion";
+            piece.literal = static_cast<uint8_t>(percent);
             rest.remove_prefix(percent + 1);
-            const LogArgument::Kind kind = TakeConversion(rest);
-            if (argument == sizeof...(Arguments) || kind != kinds[argument])
+            for (const LogConversion &known : s_logConversions)
+                if (piece.conversion == '\0' && known.kind == kinds[argument] && rest.starts_with(known.text)) {
+                    piece.conversion = known.text[0] == '0' ? '0' : known.text.back();
+                    piece.skipped = static_cast<uint8_t>(known.text.size() + 1);
+                    rest.remove_prefix(known.text.size());
+                }
+            if (piece.conversion == '\0')
                 throw "the conversion does not match its argument";
-            ++argument;
         }
-        if (argument != sizeof...(Arguments))
-            throw "an argument without a conversion";
-    }
-
-    static constexpr LogArgument::Kind TakeConversion(std::string_view &rest)
-    {
-        constexpr struct {
-            std::string_view text;
-            LogArgument::Kind kind;
-        } conversions[] = {{"d", LogArgument::Kind::Word},   {"08X", LogArgument::Kind::Word},
-                           {"llX", LogArgument::Kind::Wide}, {"llx", LogArgument::Kind::Wide},
-                           {"s", LogArgument::Kind::Text},   {"15.9f", LogArgument::Kind::Real}};
-        for (const auto &conversion : conversions) {
-            if (rest.starts_with(conversion.text)) {
-                rest.remove_prefix(conversion.text.size());
-                return conversion.kind;
-            }
-        }
-        throw "a conversion that the log does not know";
+        if (rest.find('%') != std::string_view::npos)
+            throw "a conversion without an argument";
+        pieces[sizeof...(Arguments)].literal = static_cast<uint8_t>(rest.size());
     }
 
     const char *text;
+    LogPiece pieces[sizeof...(Arguments) + 1];
 };
 
 /// Collects a line of at most 255 bytes.
 class LogWriter {
   public:
-    void Append(std::string_view text);
+    void Append(std::string_view text)
+    {
+        const std::size_t count = std::min(text.size(), maxLine - size_);
+        CopyBytes(line_ + size_, text.data(), count);
+        size_ += count;
+    }
 
     template <class... Arguments>
     void Format(LogFormat<std::type_identity_t<Arguments>...> format, const Arguments &...arguments)
     {
         const LogArgument list[] = {LogArgument(arguments)..., LogArgument(0)};
-        AppendFormatted(format.text, list);
+        AppendPieces(format.text, format.pieces, sizeof...(Arguments), list);
     }
 
     /// Adds ", " and the text.
@@ -111,21 +126,16 @@ class LogWriter {
         Format<Arguments...>(format, arguments...);
     }
 
-    const char *Text()
-    {
-        line_[size_] = '\0';
-        return line_;
-    }
+    std::string_view Text() const { return {line_, size_}; }
 
   private:
     static constexpr std::size_t maxLine = 255;
 
-    void AppendFormatted(const char *format, const LogArgument *arguments);
-    void AppendHex(uint64_t number, unsigned leastDigits, const char *digits);
-    void AppendDecimal(int32_t number);
+    void AppendPieces(const char *text, const LogPiece *pieces, std::size_t count, const LogArgument *arguments);
+    void AppendNumber(char conversion, uint64_t number);
 
     std::size_t size_ = 0;
-    char line_[maxLine + 1];
+    char line_[maxLine + maxDigits];
 };
 
 /// The text after a function's name, as something that is only written when the log is up.

@@ -1,0 +1,99 @@
+#include "Claims.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <vector>
+
+namespace Orvi::Bench {
+
+namespace {
+
+std::vector<Claim> &Claims()
+{
+    static std::vector<Claim> claims;
+    return claims;
+}
+
+/// Prints as usual and keeps the medians.
+class KeepingReporter : public benchmark::ConsoleReporter {
+  public:
+    void ReportRuns(const std::vector<Run> &runs) override
+    {
+        ConsoleReporter::ReportRuns(runs);
+        for (const Run &run : runs) {
+            if (run.error_occurred) {
+                failed_ = true;
+                continue;
+            }
+            if (run.run_type != Run::RT_Aggregate || run.aggregate_name != "median")
+                continue;
+            const std::string name = run.run_name.function_name;
+            medians_[name] = run.GetAdjustedCPUTime();
+            for (const auto &[counter, value] : run.counters)
+                medians_[name + "/" + counter] = value;
+        }
+    }
+
+    const std::map<std::string, double> &Medians() const { return medians_; }
+    bool HasFailed() const { return failed_; }
+
+  private:
+    std::map<std::string, double> medians_;
+    bool failed_ = false;
+};
+
+KeepingReporter s_reporter;
+
+bool IsKept(const Claim &claim, double value)
+{
+    return claim.direction == Claim::Is::AtMost ? value <= claim.limit : value >= claim.limit;
+}
+
+/// Prints the table; the number of claims that were not kept.
+int PrintTable()
+{
+    int broken = 0;
+    std::printf("\n| what | measured | limit | kept |\n|---|---|---|---|\n");
+    for (const Claim &claim : Claims()) {
+        const double value = claim.measure();
+        const bool kept = IsKept(claim, value);
+        broken += kept ? 0 : 1;
+        std::printf("| %s | %.2f%s | %s %.2f%s | %s |\n", claim.text.c_str(), value, claim.unit.c_str(),
+                    claim.direction == Claim::Is::AtMost ? "at most" : "at least", claim.limit, claim.unit.c_str(),
+                    kept ? "yes" : "NO");
+    }
+    return broken;
+}
+
+} // namespace
+
+double Median(const std::string &benchmark, const std::string &counter)
+{
+    const auto found = s_reporter.Medians().find(counter.empty() ? benchmark : benchmark + "/" + counter);
+    if (found == s_reporter.Medians().end()) {
+        std::fprintf(stderr, "bench: no median of %s %s in this run\n", benchmark.c_str(), counter.c_str());
+        std::exit(2);
+    }
+    return found->second;
+}
+
+bool Add(Claim claim)
+{
+    Claims().push_back(std::move(claim));
+    return true;
+}
+
+} // namespace Orvi::Bench
+
+int main(int argc, char **argv)
+{
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 2;
+    if (benchmark::RunSpecifiedBenchmarks(&Orvi::Bench::s_reporter) == 0 || Orvi::Bench::s_reporter.HasFailed())
+        return 2;
+    return Orvi::Bench::PrintTable() == 0 ? 0 : 1;
+}
