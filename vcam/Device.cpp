@@ -250,10 +250,10 @@ void Device::Plug()
             return;
         }
         PowerUp();
+        for (InEndpoint *endpoint : {&control_, &event_, &stream_}) {
+            endpoint->SetGone(false);
+        }
         isPlugged_ = true;
-    }
-    for (InEndpoint *endpoint : {&control_, &event_, &stream_}) {
-        endpoint->SetGone(false);
     }
     wake_.notify_all();
 }

@@ -88,6 +88,9 @@ std::vector<std::byte> Control::Transact(std::span<const std::byte> command)
     ack.Wait();
     EXPECT_EQ(ack.status, TransferStatus::Completed);
     EXPECT_GE(ack.received, s_genCpHeader);
+    if (ack.received < s_genCpHeader) {
+        return std::vector<std::byte>(s_genCpHeader, std::byte{0xFF});
+    }
     return {ack.Data().begin(), ack.Data().end()};
 }
 
