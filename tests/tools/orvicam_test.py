@@ -94,7 +94,8 @@ class Errors(OrvicamTest):
 
     def test_no_camera_says_how_to_get_a_virtual_one(self):
         for verb in (["list"], ["info"], ["get", "Width"], ["set", "Width=64"], ["grab"]):
-            self.fail_with(4, ["no camera", "--virtual 1", "ORVI_VIRTUAL_CAMERAS=1"], "--virtual", 0, *verb)
+            result = self.fail_with(4, ["no camera", "--virtual 1", "ORVI_VIRTUAL_CAMERAS=1"], "--virtual", 0, *verb)
+            self.assertRegex(result.err, "plugged in|virtual cameras only")
 
     def test_an_empty_list_is_valid_json(self):
         self.assertEqual(self.fail_with(4, ["no camera"], "--virtual", 0, "list", "--json").json(), [])

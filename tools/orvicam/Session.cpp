@@ -112,8 +112,10 @@ std::vector<std::string> Serials(const std::vector<CameraEntry> &cameras)
 /// What to check when nothing is attached.
 std::string NoCameraText()
 {
+    // A transport that drives USB tells the version of its USB library there; one that does not tells a remark.
     CAM_SYSTEM_INFO info{};
-    const bool usb = Sys_GetInformation(&info) == CAM_API_STS_SUCCESS && info.szTransportUsbVersion[0] != '\0';
+    const bool usb = Sys_GetInformation(&info) == CAM_API_STS_SUCCESS && info.szTransportUsbVersion[0] >= '0' &&
+                     info.szTransportUsbVersion[0] <= '9';
     return std::string("no camera found: ") +
            (usb ? "check that it is plugged in and powered, that lsusb shows it, and that you may open its device "
                   "file below /dev/bus/usb"
