@@ -1,0 +1,2 @@
+// Compiling is the test.
+#include "tests/abi/PublicRecords.h"
