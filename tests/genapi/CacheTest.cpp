@@ -1,1 +1,201 @@
 #include "TestMap.h"
+
+#include <gmock/gmock.h>
+
+namespace Orvi::GenApi {
+namespace {
+
+std::string Cached(const std::string &name, int address, const std::string &mode, const std::string &more = {})
+{
+    return Reg("IntReg", name, address, "<Cachable>" + mode + "</Cachable>" + more);
+}
+
+/// Transactions since the last look.
+struct Traffic {
+    MemoryPort &port;
+    std::pair<int, int> Take() { return {std::exchange(port.reads, 0), std::exchange(port.writes, 0)}; }
+};
+
+using Counts = std::pair<int, int>;
+
+TEST(Cache, FollowsTheCachingMode)
+{
+    TestMap map(Cached("Through", 0, "WriteThrough") + Cached("Around", 4, "WriteAround") +
+                Cached("None", 8, "NoCache"));
+    Traffic traffic{map.port};
+    for (const char *name : {"Through", "Around", "None"})
+        for (int i = 0; i < 3; ++i)
+            map.Int(name);
+    EXPECT_EQ(traffic.Take(), Counts(1 + 1 + 3, 0));
+    for (const char *name : {"Through", "Around", "None"}) {
+        map.Set(name, 7);
+        EXPECT_EQ(map.Int(name), 7);
+        EXPECT_EQ(map.Int(name), 7);
+    }
+    EXPECT_EQ(traffic.Take(), Counts(0 + 1 + 2, 3));
+    EXPECT_EQ(map->Caching(map["Through"]), CachingMode::WriteThrough);
+    EXPECT_EQ(map->Caching(map["Around"]), CachingMode::WriteAround);
+    EXPECT_EQ(map->Caching(map["None"]), CachingMode::NoCache);
+}
+
+TEST(Cache, TheModeOfAFeatureIsThatOfItsRegisters)
+{
+    TestMap map(
+        Cached("None", 8, "NoCache") + Cached("Around", 4, "WriteAround") +
+        "<Integer Name=\"A\"><pValue>None</pValue></Integer><Integer Name=\"B\"><pValue>Around</pValue></Integer>"
+        "<IntSwissKnife Name=\"C\"><pVariable Name=\"A\">A</pVariable><pVariable Name=\"B\">B</pVariable>"
+        "<Formula>A+B</Formula></IntSwissKnife><Integer Name=\"D\"><Value>1</Value></Integer>");
+    EXPECT_EQ(map->Caching(map["A"]), CachingMode::NoCache);
+    EXPECT_EQ(map->Caching(map["B"]), CachingMode::WriteAround);
+    EXPECT_EQ(map->Caching(map["C"]), CachingMode::NoCache);
+    EXPECT_EQ(map->Caching(map["D"]), CachingMode::WriteThrough);
+}
+
+TEST(Cache, IgnoreCacheAsksForOneCallAndRemembers)
+{
+    TestMap map(Cached("R", 0, "WriteThrough"));
+    map.Int("R");
+    map.port.Put<std::uint32_t>(0, 9);
+    EXPECT_EQ(map.Int("R"), 0);
+    EXPECT_EQ(map.Int("R", {.ignoreCache = true}), 9);
+    Traffic traffic{map.port};
+    traffic.Take();
+    EXPECT_EQ(map.Int("R"), 9);
+    EXPECT_EQ(traffic.Take(), Counts(0, 0));
+}
+
+TEST(Cache, SharesBytesAmongRegistersThatOverlap)
+{
+    TestMap map(Reg("IntReg", "Whole", 0) + Reg("IntReg", "Low", 0, "", 2) +
+                Reg("MaskedIntReg", "Bit", 0, "<Bit>0</Bit>") + Reg("IntReg", "Later", 0xFE));
+    map.port.Put<std::uint32_t>(0, 0x00020001);
+    Traffic traffic{map.port};
+    EXPECT_EQ(map.Int("Whole"), 0x00020001);
+    EXPECT_EQ(map.Int("Low"), 1);
+    EXPECT_EQ(map.Int("Bit"), 1);
+    EXPECT_EQ(traffic.Take(), Counts(1, 0));
+    map.Set("Low", 0x10);
+    EXPECT_EQ(map.Int("Whole"), 0x00020010);
+    map.Set("Bit", 1);
+    EXPECT_EQ(map.Int("Low"), 0x11);
+    EXPECT_EQ(traffic.Take(), Counts(0, 2));
+    map.port.Put<std::uint32_t>(0xFE, 0xAABBCCDD);
+    EXPECT_EQ(map.Int("Later"), 0xAABBCCDD) << "a register may cross a page of the cache";
+    EXPECT_EQ(map.Int("Later"), 0xAABBCCDD);
+    EXPECT_EQ(traffic.Take(), Counts(1, 0));
+}
+
+TEST(Cache, InvalidatorsWorkFromWhereTheValueIsKept)
+{
+    TestMap map(
+        Reg("IntReg", "ModeReg", 0) + "<Integer Name=\"Mode\"><pValue>ModeReg</pValue></Integer>" +
+        Reg("IntReg", "Size", 4, "<pInvalidator>Mode</pInvalidator>") + Reg("IntReg", "Other", 8) +
+        "<IntSwissKnife Name=\"Area\"><pVariable Name=\"S\">Size</pVariable><Formula>S*S</Formula></IntSwissKnife>" +
+        Reg("IntReg", "Buffers", 12, "<pInvalidator>Area</pInvalidator>") +
+        "<Integer Name=\"View\"><pInvalidator>ModeReg</pInvalidator><pValue>Other2</pValue></Integer>" +
+        Reg("IntReg", "Other2", 16));
+    Traffic traffic{map.port};
+    const auto readAll = [&] {
+        for (const char *name : {"Mode", "Size", "Other", "Buffers", "View", "Area"})
+            map.Int(name);
+        return traffic.Take().first;
+    };
+    EXPECT_EQ(readAll(), 5);
+    EXPECT_EQ(readAll(), 0);
+    for (const char *way : {"Mode", "ModeReg"}) {
+        map.Set(way, 1);
+        EXPECT_EQ(readAll(), 3) << "Size, what depends on it, and the register below View, written through " << way;
+    }
+    map.Set("Other", 1);
+    EXPECT_EQ(readAll(), 0);
+}
+
+TEST(Cache, CommandsInvalidateWhenExecutedAndWhenDone)
+{
+    TestMap map(Reg("IntReg", "Raw", 0) +
+                "<Command Name=\"Load\"><pValue>Raw</pValue><CommandValue>1</CommandValue></Command>" +
+                Reg("IntReg", "Setting", 4, "<pInvalidator>Load</pInvalidator>"));
+    map.Int("Setting");
+    map->Execute(map["Load"]);
+    EXPECT_EQ(map.Int("Setting"), 0);
+    map.port.Put<std::uint32_t>(4, 77); // the camera is working on it
+    EXPECT_FALSE(map->IsDone(map["Load"]));
+    map.port.Put<std::uint32_t>(0, 0);
+    EXPECT_TRUE(map->IsDone(map["Load"]));
+    EXPECT_EQ(map.Int("Setting"), 77);
+}
+
+constexpr const char *selector = "<Enumeration Name=\"Sel\"><EnumEntry Name=\"A\"><Value>0</Value></EnumEntry>"
+                                 "<EnumEntry Name=\"B\"><Value>1</Value></EnumEntry><pValue>SelReg</pValue>"
+                                 "<pSelected>Gain</pSelected></Enumeration>";
+
+TEST(Selector, ABankedRegisterIsReadAnewForEachValue)
+{
+    TestMap map(Reg("IntReg", "SelReg", 0) + selector + "<Integer Name=\"Gain\"><pValue>GainReg</pValue></Integer>" +
+                Reg("IntReg", "GainReg", 4));
+    Traffic traffic{map.port};
+    map.port.Put<std::uint32_t>(4, 10);
+    EXPECT_EQ(map.Int("Gain"), 10);
+    map->SetEnumText(map["Sel"], "B");
+    map.port.Put<std::uint32_t>(4, 20); // the camera shows the other bank
+    EXPECT_EQ(map.Int("Gain"), 20);
+    map.Set("SelReg", 0);
+    map.port.Put<std::uint32_t>(4, 10);
+    EXPECT_EQ(map.Int("Gain"), 10);
+    EXPECT_EQ(traffic.Take(), Counts(3, 2));
+}
+
+TEST(Selector, ARegisterThatMovesKeepsOneValueForEachPlace)
+{
+    TestMap map(Reg("IntReg", "SelReg", 0) + selector + "<Integer Name=\"Gain\"><pValue>GainReg</pValue></Integer>" +
+                Reg("IntReg", "GainReg", 0x10, "<pIndex Offset=\"4\">Sel</pIndex>"));
+    map.port.Put<std::uint32_t>(0x10, 10);
+    map.port.Put<std::uint32_t>(0x14, 20);
+    Traffic traffic{map.port};
+    for (int round = 0; round < 3; ++round) {
+        map->SetEnumText(map["Sel"], "A");
+        EXPECT_EQ(map.Int("Gain"), 10);
+        map->SetEnumText(map["Sel"], "B");
+        EXPECT_EQ(map.Int("Gain"), 20);
+    }
+    EXPECT_EQ(traffic.Take(), Counts(2, 6));
+    map->Invalidate(map["Gain"]);
+    map.port.Put<std::uint32_t>(0x10, 11);
+    map->SetEnumText(map["Sel"], "A");
+    EXPECT_EQ(map.Int("Gain"), 11) << "forgetting a register that moves forgets it at every place";
+}
+
+TEST(Polling, ExpiresWhatIsRemembered)
+{
+    std::chrono::milliseconds now{0};
+    TestMap map(Reg("IntReg", "Temperature", 0, "<PollingTime>100</PollingTime>") + Reg("IntReg", "Still", 4),
+                {.clock = [&] { return now; }});
+    Traffic traffic{map.port};
+    map.Int("Temperature");
+    map.Int("Still");
+    now = std::chrono::milliseconds(99);
+    map.Int("Temperature");
+    EXPECT_EQ(traffic.Take(), Counts(2, 0));
+    now = std::chrono::milliseconds(100);
+    map.Int("Temperature");
+    map.Int("Still");
+    EXPECT_EQ(traffic.Take(), Counts(1, 0));
+    map.Int("Temperature");
+    EXPECT_EQ(traffic.Take(), Counts(0, 0));
+}
+
+TEST(Cache, CanBeForgottenAsAWhole)
+{
+    TestMap map(Reg("IntReg", "A", 0) + Reg("IntReg", "B", 4));
+    map.Int("A");
+    map.Int("B");
+    map->Invalidate();
+    Traffic traffic{map.port};
+    traffic.Take();
+    map.Int("A");
+    map.Int("B");
+    EXPECT_EQ(traffic.Take(), Counts(2, 0));
+}
+
+} // namespace
+} // namespace Orvi::GenApi

@@ -1,1 +1,169 @@
 #include "TestMap.h"
+
+#include <gmock/gmock.h>
+
+namespace Orvi::GenApi {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+std::string Int(const std::string &name, const std::string &inside = "<Value>1</Value>")
+{
+    return Say("<Integer Name=\"", name, "\">", inside, "</Integer>");
+}
+
+std::string Knife(const std::string &inside) { return Say("<IntSwissKnife Name=\"K\">", inside, "</IntSwissKnife>"); }
+
+TEST(Load, NamesNodeLineAndReason)
+{
+    const struct {
+        std::string nodes, error;
+    } rows[] = {
+        // clang-format off
+        {"\n\n" + Int("A", "\n<pValue>Gone</pValue>"), "[A] line 6: pValue, there is no node 'Gone'"},
+        {Int("A") + "\n" + Int("A"), "[A] line 4: Integer has the name of the node of line 3 too"},
+        {Int("A", "<Value>twelve</Value>"), "[A] line 3: Value, 'twelve' is no integer"},
+        {Int("A", "<Value>9223372036854775808</Value>"), "[A] line 3: Value, '9223372036854775808' fits no 64-bit integer"},
+        {Int("A", "<Value>0x10000000000000000</Value>"), "[A] line 3: Value, '0x10000000000000000' is no integer"},
+        {Int("A", "<Value/>"), "[A] line 3: Value, '' is no integer"},
+        {Int("A", ""), "[A] line 3: Integer has no value"},
+        {Int("A", "<Value>1</Value><Visibility>Everyone</Visibility>"), "[A] line 3: Visibility, 'Everyone' is none of Beginner, Expert, Guru, Invisible"},
+        {Int("A", "<Value>1</Value><Streamable>maybe</Streamable>"), "[A] line 3: Streamable, 'maybe' is none of No, Yes, false, true, 0, 1"},
+        {Int("A", "<Value>1</Value><EventID>xyz</EventID>"), "[A] line 3: EventID, 'xyz' is no hexadecimal number"},
+        {"<Integer><Value>1</Value></Integer>", "[description] line 3: Integer has no Name"},
+        {Int("A", "<pValue>S</pValue>") + "<String Name=\"S\"><Value/></String>", "[A] line 3: Integer needs a number of S, which is a String"},
+        {"<String Name=\"S\"><pValue>A</pValue></String>" + Int("A"), "[S] line 3: pValue, 'A' has no text"},
+        {Knife("<Formula>1 +</Formula>"), "[K] line 3: IntSwissKnife formula 1 +: it ends too early"},
+        {Knife("<Formula>X</Formula>"), "[K] line 3: IntSwissKnife formula X: 'X' is neither a variable nor a function"},
+        {Knife(""), "[K] line 3: IntSwissKnife has no formula"},
+        {Int("A") + Knife("<pVariable Name=\"V\">A</pVariable><Constant Name=\"V\">1</Constant><Formula>V</Formula>"), "[K] line 3: Constant, 'V' is there twice"},
+        {Int("A") + Knife("<pVariable>A</pVariable><Formula>1</Formula>"), "[K] line 3: pVariable, the name is missing"},
+        {Int("A") + Knife("<pVariable Name=\"V\">A</pVariable><Formula>V.Colour</Formula>"), "[K] line 3: IntSwissKnife formula V.Colour: 'V.Colour' is neither a variable nor a function"},
+        {Reg("IntReg", "R", 0, "", 9), "[R] line 3: IntReg has a Length of 9, 1 to 8 can be"},
+        {Reg("IntReg", "R", 0, "", 0), "[R] line 3: IntReg has a Length of 0, 1 to 8 can be"},
+        {Reg("FloatReg", "R", 0, "", 3), "[R] line 3: FloatReg has a Length of 3, 4 or 8 can be"},
+        {Reg("StringReg", "R", 0, "", 1 << 30), "[R] line 3: StringReg has a Length of 1073741824, 1 to 67108864 can be"},
+        {"<IntReg Name=\"R\"><Address>0</Address></IntReg>", "[R] line 3: IntReg has no Length"},
+        {"<IntReg Name=\"R\"><Address>0</Address><pLength>A</pLength></IntReg>" + Int("A"), "[R] line 3: IntReg has a pLength, a constant Length is needed"},
+        {"<IntReg Name=\"R\"><Length>4</Length><pPort>A</pPort></IntReg>" + Int("A"), "[R] line 3: pPort, 'A' is no Port"},
+        {Reg("MaskedIntReg", "R", 0), "[R] line 3: MaskedIntReg needs Bit or both LSB and MSB"},
+        {Reg("MaskedIntReg", "R", 0, "<LSB>1</LSB>"), "[R] line 3: MaskedIntReg needs Bit or both LSB and MSB"},
+        {Reg("MaskedIntReg", "R", 0, "<Bit>32</Bit>"), "[R] line 3: MaskedIntReg has bits outside of its 32 bits"},
+        {"<Enumeration Name=\"E\"><Value>0</Value><EnumEntry Name=\"X\"><Value>0</Value></EnumEntry><EnumEntry Name=\"X\"><Value>1</Value></EnumEntry></Enumeration>", "[E] line 3: Enumeration has the entry X twice"},
+        {"<Enumeration Name=\"E\"><Value>0</Value><EnumEntry Name=\"X\"/></Enumeration>", "[EnumEntry_E_X] line 3: EnumEntry has no Value"},
+        {"<Boolean Name=\"B\"><Value>0</Value><OnValue>0</OnValue></Boolean>", "[B] line 3: Boolean has the same OnValue and OffValue"},
+        {"<Command Name=\"C\"><Value>0</Value></Command>", "[C] line 3: Command has no CommandValue"},
+        {"<Converter Name=\"C\"><FormulaTo>FROM</FormulaTo><FormulaFrom>TO</FormulaFrom></Converter>", "[C] line 3: Converter has no pValue"},
+        {"<Converter Name=\"C\"><FormulaTo>TO</FormulaTo><FormulaFrom>TO</FormulaFrom><pValue>A</pValue></Converter>" + Int("A"), "[C] line 3: Converter formula TO: 'TO' is neither a variable nor a function"},
+        // clang-format on
+    };
+    for (const auto &row : rows)
+        EXPECT_EQ(LoadError(row.nodes), row.error);
+}
+
+TEST(Load, RefusesWhatDependsOnItself)
+{
+    EXPECT_EQ(
+        LoadError(Int("A", "<pValue>B</pValue>") + Int("B", "<pValue>C</pValue>") + Int("C", "<pValue>A</pValue>")),
+        "[A] line 3: Integer depends on itself for its value, A -> B -> C -> A");
+    EXPECT_EQ(LoadError(Int("A", "<pValue>A</pValue>")), "[A] line 3: Integer depends on itself for its value, A -> A");
+    EXPECT_THAT(LoadError(Int("A") + Knife("<pVariable Name=\"V\">K</pVariable><Formula>V</Formula>")),
+                HasSubstr("[K] line 3: IntSwissKnife depends on itself for its value"));
+    EXPECT_THAT(LoadError(Int("A", "<Value>1</Value><pMax>B</pMax>") +
+                          Int("B", "<pValue>C</pValue><pIsAvailable>B</pIsAvailable>") +
+                          Reg("IntReg", "C", 0, "<pAddress>B</pAddress>")),
+                HasSubstr("depends on itself for its value"));
+    EXPECT_THAT(LoadError(Int("A", "<Value>1</Value><pValueCopy>B</pValueCopy>") +
+                          Int("B", "<Value>1</Value><pValueCopy>A</pValueCopy>")),
+                HasSubstr("depends on itself for its writing"));
+    EXPECT_THAT(LoadError("<Category Name=\"A\"><pFeature>B</pFeature></Category><Category "
+                          "Name=\"B\"><pFeature>A</pFeature></Category>"),
+                HasSubstr("depends on itself for its tree of features"));
+}
+
+TEST(Load, AcceptsLimitsThatLookAtEachOthersValues)
+{
+    TestMap map(Reg("IntReg", "WReg", 0) + Reg("IntReg", "OReg", 4) +
+                Int("Width", "<pValue>WReg</pValue><pMax>WMax</pMax>") +
+                Int("Offset", "<pValue>OReg</pValue><pMax>OMax</pMax>") +
+                "<IntSwissKnife Name=\"WMax\"><pVariable Name=\"O\">Offset</pVariable><Formula>100 - "
+                "O</Formula></IntSwissKnife>"
+                "<IntSwissKnife Name=\"OMax\"><pVariable Name=\"W\">Width</pVariable><Formula>100 - "
+                "W</Formula></IntSwissKnife>");
+    map.Set("Width", 60);
+    EXPECT_EQ(map->IntMax(map["Offset"]), 40);
+    map.Set("Offset", 40);
+    EXPECT_EQ(map->IntMax(map["Width"]), 60);
+}
+
+TEST(Load, BoundsTheDepthOfReferences)
+{
+    const auto chain = [](int length) {
+        std::string nodes = Int("N0");
+        for (int i = 1; i < length; ++i)
+            nodes += Int(Say("N", std::to_string(i)), Say("<pValue>N", std::to_string(i - 1), "</pValue>"));
+        return nodes;
+    };
+    TestMap map(chain(150));
+    EXPECT_EQ(map.Int("N149"), 1);
+    map.Set("N149", 5);
+    EXPECT_EQ(map.Int("N0"), 5);
+    EXPECT_THAT(LoadError(chain(300)), HasSubstr("depends on other nodes over more than"));
+    EXPECT_THAT(LoadError(chain(50000)), HasSubstr("depends on other nodes over more than"));
+}
+
+TEST(Load, BoundsTheNestingOfGroups)
+{
+    std::string open, close;
+    for (int i = 0; i < 1000; ++i) {
+        open += "<Group>";
+        close += "</Group>";
+    }
+    EXPECT_THAT(LoadError(open + Int("A") + close), HasSubstr("is nested too deeply"));
+}
+
+TEST(Load, RefusesWhatIsNoDescription)
+{
+    MemoryPort port;
+    const auto error = [&](std::string_view xml) { return ErrorOf([&] { NodeMap::Load(xml, port); }); };
+    EXPECT_THAT(error(""), StartsWith("[description] line 1: "));
+    EXPECT_THAT(error(std::string(100, '\0')), StartsWith("[description] line 1: "));
+    EXPECT_THAT(error("hello"), StartsWith("[description] line 1: "));
+    EXPECT_THAT(error("<RegisterDescription>\n\n<Integer Name=\"A\">"), StartsWith("[description] line 3: no XML"));
+    EXPECT_THAT(error("<Other/>"), HasSubstr("RegisterDescription is missing"));
+    EXPECT_THAT(error("<RegisterDescription/>"), HasSubstr("has no nodes"));
+    EXPECT_THAT(error("<RegisterDescription SchemaMajorVersion=\"7\"/>"), HasSubstr("schema version 7"));
+}
+
+TEST(Load, TakesPaddingByteOrderMarkAndWindowsLines)
+{
+    MemoryPort port;
+    std::string xml = "\xEF\xBB\xBF" + Describe(Int("A"));
+    for (std::size_t at = 0; (at = xml.find('\n', at)) != xml.npos; at += 2)
+        xml.insert(at, 1, '\r');
+    const auto map = NodeMap::Load(xml + std::string(512, '\0'), port);
+    EXPECT_EQ(map->GetInt(*map->Find("A")), 1);
+}
+
+TEST(Load, ReadsNumbersAsTheyAreWritten)
+{
+    TestMap map(Int("Hex", "<Value> 0x7fFF </Value>") + Int("Neg", "<Value>-9223372036854775808</Value>") +
+                Int("Pattern", "<Value>0xFFFFFFFFFFFFFFFF</Value>") + Int("Plus", "<Value>+5</Value>") +
+                "<Float Name=\"F\"><Value>-1.5e-3</Value></Float><Float Name=\"G\"><Value>+0x10</Value></Float>");
+    EXPECT_EQ(map.Int("Hex"), 0x7FFF);
+    EXPECT_EQ(map.Int("Neg"), std::numeric_limits<std::int64_t>::min());
+    EXPECT_EQ(map.Int("Pattern"), -1);
+    EXPECT_EQ(map.Int("Plus"), 5);
+    EXPECT_EQ(map.Float("F"), -1.5e-3);
+    EXPECT_EQ(map.Float("G"), 16);
+}
+
+TEST(Load, ReadsNothingFromTheCamera)
+{
+    TestMap map(Reg("IntReg", "A", 0));
+    EXPECT_EQ(map.port.reads, 0);
+}
+
+} // namespace
+} // namespace Orvi::GenApi

@@ -3,6 +3,7 @@
 
 #include "u3v/core/Status.h"
 #include "u3v/genapi/NodeMap.h"
+#include "u3v/genapi/Say.h"
 
 #include <gtest/gtest.h>
 
@@ -68,9 +69,9 @@ inline std::string Describe(const std::string &nodes)
 inline std::string Reg(const std::string &kind, const std::string &name, int address, const std::string &more = {},
                        int length = 4)
 {
-    return "<" + kind + " Name=\"" + name + "\"><Address>" + std::to_string(address) + "</Address><Length>" +
-           std::to_string(length) + "</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>" + more + "</" + kind +
-           ">";
+    return Say("<", kind, " Name=\"", name, "\"><Address>", std::to_string(address), "</Address><Length>",
+               std::to_string(length), "</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>", more, "</", kind,
+               ">");
 }
 
 class TestMap {

@@ -151,7 +151,8 @@ void Loader::Add(Node *node, pugi::xml_node element, pugi::xml_node outer)
     if (state_.nodes.size() > maxNodes)
         Fail(element, Say("is one node too many, ", std::to_string(maxNodes), " can be"));
     const auto [place, isNew] = table_.byName.emplace(node->Name(), node);
-    if (!isNew)
+    // Names of entries are put together, so that two may be the same by chance; enumerations find theirs by symbol.
+    if (!isNew && node->Type() != NodeType::EnumEntry)
         FailLoading(*this, *node,
                     Say("has the name of the node of line ", std::to_string(LineOf(*place->second)), " too"));
     pending_.push_back({node, element, outer});
@@ -165,7 +166,8 @@ void Loader::TakeProperties(Node &node, pugi::xml_node element)
         const auto prop = FindProperty(child.name());
         if (prop == Prop::StructEntry)
             continue;
-        if (!prop || !node.Take(Property(*prop, child, node, *this)))
+        const bool taken = prop && node.Take(Property(*prop, child, node, *this));
+        if (!taken && node.Type() != NodeType::Base)
             Note(child, Say("[", node.Name(), "] ", child.name(), " is not known of ", node.KindName()));
     }
 }

@@ -49,8 +49,8 @@ bool Node::Take(const Property &property)
     case Prop::pError:            error_ = property.Target(Role::Error); return true;
     case Prop::pInvalidator:      property.Target(Role::Invalidator); return true;
     case Prop::pSelected:         property.Target(Role::Selected); return true;
-    case Prop::pAlias:
-    case Prop::pCastAlias:        property.Target(Role::Alias); return true;
+    case Prop::pAlias:            property.Target(Role::Alias); return true;
+    case Prop::pCastAlias:        property.Target(Role::CastAlias); return true;
     // Known, and nothing that this runtime does depends on them.
     case Prop::Extension:
     case Prop::ExposeStatic:
@@ -75,7 +75,7 @@ AccessMode Node::Access(Run &run)
         mode = said_.imposed == AccessMode::NotAvailable && mode != AccessMode::NotImplemented
                    ? AccessMode::NotAvailable
                    : Combine(mode, said_.imposed);
-    if (locked_ && IsWritable(mode) && locked_->GetInt(run) != 0)
+    if (locked_ && !run.reading && IsWritable(mode) && locked_->GetInt(run) != 0)
         mode = mode == AccessMode::ReadWrite ? AccessMode::ReadOnly : AccessMode::NotAvailable;
     return mode;
 }
@@ -103,16 +103,21 @@ std::string Node::DescribeAccess(Run &run)
     return mode == AccessMode::WriteOnly ? "is write-only" : "can be read and written";
 }
 
-void Node::RequireReadable(Run &run)
+void Node::RequireReadable(const Run &run)
 {
-    if (!IsReadable(Access(run)))
-        Fail(run, Say("cannot be read, it ", DescribeAccess(run)));
+    Run check{run.map, run.subject};
+    check.reading = true;
+    if (IsReadable(Access(check)))
+        return;
+    check.reading = false;
+    Fail(run, Say("cannot be read, it ", DescribeAccess(check)));
 }
 
-void Node::RequireWritable(Run &run)
+void Node::RequireWritable(const Run &run)
 {
-    if (!IsWritable(Access(run)))
-        Fail(run, Say("cannot be written, it ", DescribeAccess(run)));
+    Run check{run.map, run.subject};
+    if (!IsWritable(Access(check)))
+        Fail(run, Say("cannot be written, it ", DescribeAccess(check)));
 }
 
 CachingMode Node::Caching() const

@@ -25,6 +25,7 @@ struct Run {
     const Node &subject;
     bool verify = false;
     bool ignoreCache = false;
+    bool reading = false; ///< access is asked for in order to read: locks need not be looked at
 };
 
 /// What one node is to another.
@@ -45,6 +46,7 @@ enum class Role : std::uint8_t {
     Feature,     ///< of a category
     Entry,       ///< of an enumeration
     Alias,
+    CastAlias,
 };
 
 struct Link {
@@ -99,14 +101,18 @@ class Node {
     virtual void Finish(Loader &) {}
     void AddLink(Node &target, Role role) { links_.push_back({&target, role}); }
     void SetFeature() { said_.feature = true; }
-    bool HasConditions() const { return implemented_ || available_ || locked_; }
+    bool HasConditions() const
+    {
+        return implemented_ || available_ || locked_ || said_.imposed != AccessMode::ReadWrite;
+    }
 
     /// What may be done now, through the whole chain.
     AccessMode Access(Run &run);
     /// Why Access() is what it is, for messages: "not available now (GainAvailable is 0)".
     std::string DescribeAccess(Run &run);
-    void RequireReadable(Run &run);
-    void RequireWritable(Run &run);
+    // Conditions are asked of the cache also where the value is not.
+    void RequireReadable(const Run &run);
+    void RequireWritable(const Run &run);
 
     virtual CachingMode Caching() const;
 

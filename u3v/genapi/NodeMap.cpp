@@ -52,18 +52,15 @@ struct NodeMap::Call {
     EnumEntryNode &ChoiceEntry() { return As<EnumEntryNode>("an entry of an enumeration"); }
     RegisterNode &Register() { return As<RegisterNode>("a register"); }
 
-    /// The conditions of access are asked of the cache also where the value is not.
     Call &Readable()
     {
-        Run check{run.map, node};
-        node.RequireReadable(check);
+        node.RequireReadable(run);
         return *this;
     }
     template <class F>
     void Write(F &&write)
     {
-        Run check{run.map, node};
-        node.RequireWritable(check);
+        node.RequireWritable(run);
         write();
         node.CheckError(run);
     }
@@ -202,6 +199,12 @@ std::vector<NodeId> NodeMap::Selectors(NodeId feature) const
                 selectors.push_back(other->Id());
     return selectors;
 }
+
+static std::optional<NodeId> IdOf(const Node *node) { return node ? std::optional(node->Id()) : std::nullopt; }
+
+std::optional<NodeId> NodeMap::Alias(NodeId id) const { return IdOf(At(id).LinkTo(Role::Alias)); }
+
+std::optional<NodeId> NodeMap::CastAlias(NodeId id) const { return IdOf(At(id).LinkTo(Role::CastAlias)); }
 
 std::int64_t NodeMap::GetInt(NodeId id, ReadOptions options) const
 {

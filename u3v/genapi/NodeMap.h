@@ -23,7 +23,6 @@
 namespace Orvi::GenApi {
 
 class Node;
-struct Description;
 
 class NodeMap {
   public:
@@ -80,6 +79,8 @@ class NodeMap {
     std::vector<NodeId> Selected(NodeId selector) const;
     std::vector<NodeId> Selectors(NodeId feature) const;
     bool IsSelector(NodeId id) const;
+    std::optional<NodeId> Alias(NodeId id) const;     ///< the same feature under another name
+    std::optional<NodeId> CastAlias(NodeId id) const; ///< the same feature as a node of another type
 
     // Integer nodes.
     std::int64_t GetInt(NodeId id, ReadOptions options = {}) const;

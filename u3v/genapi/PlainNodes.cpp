@@ -49,10 +49,4 @@ void StringNode::SetText(Run &run, std::string_view value)
     }
 }
 
-bool PlainNode::Take(const Property &property)
-{
-    Node::Take(property);
-    return true;
-}
-
 } // namespace Orvi::GenApi

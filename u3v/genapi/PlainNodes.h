@@ -35,12 +35,10 @@ class StringNode final : public Node {
 };
 
 /// Node, AdvFeatureLock, SmartFeature, ConfRom and the like: they have a name and attributes, their own properties
-/// are accepted and not used.
+/// are not used.
 class PlainNode final : public Node {
   public:
     using Node::Node;
-
-    bool Take(const Property &property) override;
 };
 
 } // namespace Orvi::GenApi

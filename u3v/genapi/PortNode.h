@@ -15,6 +15,7 @@ class PortNode final : public Node {
 
     /// Else the port shows delivered data, and has nothing to show before the first delivery.
     bool IsCamera() const { return !Said().eventId && !chunkId_; }
+    bool IsAlwaysOpen() const { return IsCamera() && !HasConditions(); }
     std::optional<std::uint64_t> ChunkId() const { return chunkId_; }
     bool SwapsEndianess() const { return swap_; }
 

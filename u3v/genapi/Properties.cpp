@@ -69,11 +69,11 @@ std::int64_t Property::ParseInt(std::string_view text) const
 double Property::ParseFloat(std::string_view text) const
 {
     text = Trim(text);
-    if (HasHexPrefix(text))
-        return static_cast<double>(ParseInt(text));
     std::string_view digits = text;
     if (digits.starts_with('+'))
         digits.remove_prefix(1);
+    if (HasHexPrefix(digits))
+        return static_cast<double>(ParseInt(digits));
     double value = 0;
     if (!Parse(digits, value) || value != value)
         Fail(Say("'", text, "' is no number"));
@@ -109,23 +109,18 @@ std::size_t Property::IndexIn(const std::string_view *names, std::size_t n) cons
     Fail(Say("'", text, "' is none of ", known));
 }
 
-Node *Property::Target(Role role) const
+Node *Property::Target(Role role) const { return Link(Text(), role); }
+
+Node *Property::Link(std::string_view name, Role role) const
 {
-    Node *const target = loader_.Resolve(Text());
+    Node *const target = loader_.Resolve(name);
     if (target == nullptr)
-        Fail(Say("there is no node '", Text(), "'"));
+        Fail(Say("there is no node '", name, "'"));
     owner_.AddLink(*target, role);
     return target;
 }
 
-Node *Property::AttributeTarget(const char *name, Role role) const
-{
-    Node *const target = loader_.Resolve(Attribute(name));
-    if (target == nullptr)
-        Fail(Say("there is no node '", Attribute(name), "'"));
-    owner_.AddLink(*target, role);
-    return target;
-}
+Node *Property::AttributeTarget(const char *name, Role role) const { return Link(Attribute(name), role); }
 
 Node *Property::Inner(Role role) const
 {

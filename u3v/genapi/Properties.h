@@ -82,6 +82,7 @@ class Property {
 
   private:
     std::size_t IndexIn(const std::string_view *names, std::size_t n) const;
+    Node *Link(std::string_view name, Role role) const;
     std::int64_t ParseInt(std::string_view text) const;
     double ParseFloat(std::string_view text) const;
 

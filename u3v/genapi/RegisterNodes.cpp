@@ -100,7 +100,7 @@ AccessMode RegisterNode::RegisterAccess(Run &run)
     for (const Offset &offset : offsets_)
         if (!IsReadable(offset.index->Access(run)))
             return AccessMode::NotAvailable;
-    return port_ ? Combine(accessMode_, port_->Access(run)) : accessMode_;
+    return port_ && !port_->IsAlwaysOpen() ? Combine(accessMode_, port_->Access(run)) : accessMode_;
 }
 
 bool RegisterNode::IsBigEndian() const { return bigEndian_ != (port_ != nullptr && port_->SwapsEndianess()); }
