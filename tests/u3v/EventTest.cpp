@@ -1,0 +1,213 @@
+#include "tests/u3v/FakeDevice.h"
+#include "tests/u3v/TestSignal.h"
+#include "u3v/protocol/EventChannel.h"
+#include "u3v/protocol/Wire.h"
+#include "u3v/usb/LoopbackLink.h"
+
+#include <gtest/gtest.h>
+
+namespace Orvi::Test {
+namespace {
+
+using namespace U3v;
+using Vcam::Endpoint;
+
+constexpr std::size_t blockHeader = 40;
+
+class EventTest : public testing::Test {
+  protected:
+    EventTest()
+    {
+        camera = std::make_shared<Camera>(std::make_unique<LoopbackLink>(device), Camera::Options{nullptr, false, ""});
+    }
+
+    void Open(std::uint32_t ownBuffers)
+    {
+        channel = std::make_unique<EventChannel>(camera, signal.Handle(), 256, ownBuffers);
+    }
+
+    /// An event of the channel, with the status that the taking gave.
+    struct Event {
+        CAM_API_STATUS status;
+        std::uint64_t request;
+        Bytes block;
+        std::uint16_t Id() const { return Load<std::uint16_t>(block, 14); }
+    };
+    Event Take()
+    {
+        for (;;) {
+            Event event{};
+            try {
+                const auto delivered = channel->Take(event.request);
+                const auto *data = reinterpret_cast<const std::byte *>(delivered.data);
+                event.block.assign(data, data + blockHeader);
+                event.block.insert(event.block.end(), data + blockHeader,
+                                   data + blockHeader + Load<std::uint32_t>(event.block, 28));
+                return event;
+            } catch (const StatusError &error) {
+                event.status = error.Status();
+            }
+            if (event.status != CAM_API_STS_EMPTY_COMPLETE_QUEUE || !WaitABit())
+                return event;
+        }
+    }
+    // Own buffers have no signal of the channel, so their arrival is looked for.
+    bool WaitABit() { return std::this_thread::sleep_for(std::chrono::milliseconds(1)), ++waited < 60000; }
+
+    std::uint64_t Add(std::size_t size = 512)
+    {
+        buffers.emplace_back(size);
+        const std::uint64_t handle = channel->Register(buffers.back().data(), size);
+        channel->Queue(handle);
+        return handle;
+    }
+
+    int waited = 0;
+    std::shared_ptr<FakeDevice> device = std::make_shared<FakeDevice>();
+    std::deque<Bytes> buffers;
+    TestSignal signal;
+    std::shared_ptr<Camera> camera;
+    std::unique_ptr<EventChannel> channel;
+};
+
+TEST_F(EventTest, TransfersArePostedBeforeEventsAreEnabled)
+{
+    std::size_t posted = 0;
+    device->onWritten = [&](const Command &command) {
+        if (command.address == FakeDevice::eirm && command.data[0] == std::byte{1})
+            posted = device->Posted(Endpoint::EventIn);
+    };
+    Open(4);
+    EXPECT_GE(posted, 2U);
+    channel->Close();
+    EXPECT_EQ(device->Get32(FakeDevice::eirm), 0U);
+    EXPECT_EQ(device->Posted(Endpoint::EventIn), 0U);
+}
+
+TEST_F(EventTest, EventIsDeliveredInTheBlockLayout)
+{
+    Open(0);
+    const std::uint64_t handle = Add();
+    device->SendEvent(EventPacket(0x9001, 123456789012345, Pack(std::uint64_t{77}, std::uint16_t{5})));
+    EXPECT_TRUE(signal.Wait());
+    const Event event = Take();
+    EXPECT_EQ(event.request, handle);
+    EXPECT_EQ(event.Id(), 0x9001);
+    EXPECT_EQ(Load<std::uint16_t>(event.block, 18), 0U);
+    EXPECT_EQ(Load<std::uint64_t>(event.block, 20), 123456789012345U);
+    EXPECT_EQ(Load<std::uint32_t>(event.block, 28), 10U);
+    EXPECT_EQ(Load<std::uint64_t>(event.block, blockHeader), 77U);
+}
+
+TEST_F(EventTest, PacketWithSeveralEventsGivesEachOfThem)
+{
+    Open(8);
+    Bytes entries;
+    for (std::uint16_t i = 0; i < 5; ++i) {
+        const Bytes entry =
+            Pack(std::uint16_t{20}, static_cast<std::uint16_t>(0x9000 + i), std::uint64_t{i}, std::uint64_t{100U + i});
+        entries.insert(entries.end(), entry.begin(), entry.end());
+    }
+    Bytes packet = Pack(std::uint32_t{0x45563355}, std::uint16_t{0}, std::uint16_t{0x0C00},
+                        static_cast<std::uint16_t>(entries.size()), std::uint16_t{1});
+    packet.insert(packet.end(), entries.begin(), entries.end());
+    device->SendEvent(packet);
+    for (std::uint16_t i = 0; i < 5; ++i) {
+        const Event event = Take();
+        EXPECT_EQ(event.Id(), 0x9000 + i);
+        EXPECT_EQ(Load<std::uint64_t>(event.block, blockHeader), 100U + i);
+    }
+}
+
+TEST_F(EventTest, MalformedPacketsAreCountedAndTheChannelGoesOn)
+{
+    Open(8);
+    const Bytes good = EventPacket(0x9001, 1, Bytes(8));
+    std::vector<Bytes> malformed;
+    malformed.push_back(Bytes(good.begin(), good.begin() + 10));
+    malformed.push_back(good); // wrong prefix
+    malformed.back()[0] = std::byte{0};
+    malformed.push_back(good); // not an event
+    malformed.back()[6] = std::byte{1};
+    malformed.push_back(good); // longer than it is
+    malformed.back()[8] = std::byte{200};
+    malformed.push_back(good); // an entry that is longer than the packet
+    malformed.back()[12] = std::byte{99};
+    malformed.push_back(good); // an entry shorter than its own head
+    malformed.back()[12] = std::byte{3};
+    malformed.push_back(Bytes(5000)); // more than fits
+    for (const Bytes &packet : malformed)
+        device->SendEvent(packet);
+    device->SendEvent(good);
+    EXPECT_EQ(Take().Id(), 0x9001);
+    EXPECT_EQ(channel->MalformedCount(), malformed.size());
+}
+
+TEST_F(EventTest, BurstLosesTheNewestAndCountsThem)
+{
+    Open(4);
+    // One is lent out only after the first was taken, so five find room.
+    for (std::uint16_t i = 0; i < 20; ++i)
+        device->SendEvent(EventPacket(static_cast<std::uint16_t>(0x9000 + i), i, {}));
+    for (; channel->LostCount() != 15 && waited < 60000;)
+        WaitABit();
+    EXPECT_EQ(channel->LostCount(), 15U);
+    for (std::uint16_t i = 0; i < 5; ++i)
+        EXPECT_EQ(Take().Id(), 0x9000 + i);
+    device->SendEvent(EventPacket(0x9999, 0, {}));
+    EXPECT_EQ(Take().Id(), 0x9999);
+}
+
+TEST_F(EventTest, FlushAndUnplugEndRequestsWithTheirStatus)
+{
+    Open(0);
+    const std::uint64_t first = Add();
+    channel->Flush();
+    const Event flushed = Take();
+    EXPECT_EQ(flushed.status, CAM_API_STS_FLUSH_REQUESTED);
+    EXPECT_EQ(flushed.request, first);
+    const std::uint64_t second = Add();
+    device->Unplug();
+    const Event removed = Take();
+    EXPECT_EQ(removed.status, CAM_API_STS_FLUSHED_BY_CAMERA_REMOVE);
+    EXPECT_EQ(removed.request, second);
+    try {
+        channel->Queue(second);
+        FAIL();
+    } catch (const StatusError &error) {
+        EXPECT_EQ(error.Status(), CAM_API_STS_CAMERA_NOT_RESPONDING);
+    }
+    channel->Close();
+    camera->Close();
+}
+
+TEST_F(EventTest, HaltedEndpointIsClearedAndTheChannelGoesOn)
+{
+    Open(4);
+    device->SetHalt(Endpoint::EventIn);
+    device->SendEvent(EventPacket(0x9001, 1, {}));
+    EXPECT_EQ(Take().Id(), 0x9001);
+}
+
+TEST_F(EventTest, CameraMayBeClosedFirst)
+{
+    Open(0);
+    Add();
+    camera->Close();
+    EXPECT_EQ(Take().status, CAM_API_STS_FLUSH_REQUESTED);
+    channel->Close();
+}
+
+TEST_F(EventTest, ActivationNeedsTheDescription)
+{
+    Open(4);
+    try {
+        channel->Activate("ExposureEnd", "EventExposureEnd", nullptr);
+        FAIL();
+    } catch (const StatusError &error) {
+        EXPECT_EQ(error.Status(), CAM_API_STS_XML_LOAD_ERR);
+    }
+}
+
+} // namespace
+} // namespace Orvi::Test
