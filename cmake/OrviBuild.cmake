@@ -5,7 +5,7 @@ target_compile_options(orvi_build INTERFACE
   -Wall -Wextra -Wconversion -Wshadow $<$<BOOL:${ORVI_WERROR}>:-Werror>)
 if(ORVI_SANITIZE)
   target_compile_options(orvi_build INTERFACE -fsanitize=${ORVI_SANITIZE} -fno-omit-frame-pointer
-    $<$<STREQUAL:${ORVI_SANITIZE},address$<COMMA>undefined>:-fno-sanitize-recover=undefined>)
+    -fno-sanitize-recover=all)
   target_link_options(orvi_build INTERFACE -fsanitize=${ORVI_SANITIZE})
 endif()
 
