@@ -18,9 +18,10 @@ constexpr Words Values(std::initializer_list<uint32_t> values)
 
 constexpr uint32_t Modes(std::initializer_list<uint32_t> modes) { return Values(modes)[0]; }
 
-constexpr uint32_t s_readable = 0xC1000000, s_writable = 0xC3000000, s_triggers = 0xC2000000;
+constexpr uint32_t s_writable = 0xC3000000, s_triggers = 0xC2000000;
 
-constexpr auto Number = BlockKind::Number, Choice = BlockKind::Choice, Action = BlockKind::Action;
+constexpr auto Number = BlockKind::Number, Choice = BlockKind::Choice, Action = BlockKind::Action,
+               Flag = BlockKind::Flag;
 constexpr auto Never = Locked::Never, WhileStreaming = Locked::WhileStreaming;
 
 // clang-format off
@@ -31,10 +32,27 @@ constexpr ControlBlock s_blocks[] = {
     {Block::AcquisitionCommand,  Action, s_triggers | 0x01000000,        0, Values({0, 1, 8, 9}),                       0, Never},
     {Block::FrameCount,          Number, s_writable,                     0, {1, 1, 1, 0xFFFF},                          1, Never},
     {Block::FrameRate,           Number, s_writable | Modes({0, 1}),     1, {1, 1000, 100, 1000000},                30000, Never}, // Hz
-    {Block::ExposureTime,        Number, s_writable | Modes({1}),        1, {1, 1000000, 20, 16000000},             10000, Never}, // s
+    {Block::ExposureTime,        Number, s_writable | Modes({1, 2}),     1, {1, 1000000, 20, 16000000},             10000, Never}, // s
     {Block::BlackLevel,          Number, s_writable,                     0, {1, 16, 0, 1023},                           0, Never}, // of 255
-    {Block::Gain,                Number, s_writable | Modes({1}),        1, {1, 100, 0, 2400},                          0, Never}, // dB
+    {Block::Gain,                Number, s_writable | Modes({1, 2}),     1, {1, 100, 0, 2400},                          0, Never}, // dB
+    {Block::Gamma,               Number, s_writable,                     0, {1, 100, 25, 400},                        100, Never}, // exponent
+    {Block::Sharpness,           Number, s_writable,                     0, {1, 1, 0, 8},                               0, Never},
+    {Block::Hue,                 Number, s_writable,                     0, {1, 10, 0u - 1800, 1800},                   0, Never}, // degrees
+    {Block::Saturation,          Number, s_writable,                     0, {1, 100, 0, 400},                         100, Never},
+    {Block::WhiteBalance,        Number, s_writable | Modes({1, 3}),     1, {1, 1000, 250, 4000},                    1000, Never}, // red
+    {Block::TriggerMode,         Choice, s_writable,                     0, Values({0, 1}),                             0, Never},
+    {Block::TriggerSequence,     Choice, s_writable,                     0, Values({0, 6}),                             0, Never},
+    {Block::TriggerSource,       Choice, s_writable,                     0, Values({0, 1, 2, 0x40}),                 0x40, Never},
+    {Block::TriggerParameter,    Number, s_writable,                     0, {1, 1, 1, 255},                             1, Never}, // images of a burst
+    {Block::TriggerDelay,        Number, s_writable,                     0, {1, 1000000, 0, 10000000},                  0, Never}, // s
+    {Block::SoftwareTrigger,     Action, s_triggers | 0x01000000,        0, Values({0, 1, 8}),                          0, Never},
     {Block::TestPattern,         Choice, s_writable,                     0, Values({0, 1, 2, 3, 4, 5, 6, 7}),           0, Never},
+    {Block::BinningX,            Number, s_writable,                     0, {1, 1, 1, 4},                               1, WhileStreaming},
+    {Block::BinningY,            Number, s_writable,                     0, {1, 1, 1, 4},                               1, WhileStreaming},
+    {Block::DecimationX,         Number, s_writable,                     0, {1, 1, 1, 4},                               1, WhileStreaming},
+    {Block::DecimationY,         Number, s_writable,                     0, {1, 1, 1, 4},                               1, WhileStreaming},
+    {Block::ReverseX,            Flag,   s_writable,                     0, {},                                         0, Never},
+    {Block::ReverseY,            Flag,   s_writable,                     0, {},                                         0, Never},
 };
 
 /// A side of the image within the sensor, as words of the image-size block.

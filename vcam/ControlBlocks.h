@@ -49,7 +49,24 @@ constexpr std::uint32_t FrameRate        = 0x2030A0;
 constexpr std::uint32_t ExposureTime     = 0x204020;
 constexpr std::uint32_t BlackLevel       = 0x204040;
 constexpr std::uint32_t Gain             = 0x204060;
+constexpr std::uint32_t Gamma            = 0x204080;
+constexpr std::uint32_t Sharpness        = 0x2040A0;
+constexpr std::uint32_t Hue              = 0x205020;
+constexpr std::uint32_t Saturation       = 0x205040;
+constexpr std::uint32_t WhiteBalance     = 0x205060;
+constexpr std::uint32_t TriggerMode      = 0x207020;
+constexpr std::uint32_t TriggerSequence  = 0x207040;
+constexpr std::uint32_t TriggerSource    = 0x207060;
+constexpr std::uint32_t TriggerParameter = 0x207080;
+constexpr std::uint32_t TriggerDelay     = 0x2070A0;
+constexpr std::uint32_t SoftwareTrigger  = 0x2070C0;
 constexpr std::uint32_t TestPattern      = 0x21F120;
+constexpr std::uint32_t BinningX         = 0x21F140;
+constexpr std::uint32_t BinningY         = 0x21F160;
+constexpr std::uint32_t DecimationX      = 0x21F180;
+constexpr std::uint32_t DecimationY      = 0x21F1A0;
+constexpr std::uint32_t ReverseX         = 0x21F1C0;
+constexpr std::uint32_t ReverseY         = 0x21F1E0;
 // clang-format on
 } // namespace Block
 

@@ -9,18 +9,19 @@ namespace Orvi::Vcam {
 
 namespace {
 
-using std::int64_t, std::uint32_t, std::uint64_t;
+using std::int32_t, std::int64_t, std::uint32_t, std::uint64_t;
 
 /// At this exposure and 0 dB a signal equals the light.
 constexpr double s_neutralExposure = 10000;
 
 constexpr Signal s_subjectLight{3900, 3800, 3000};
 
-Signal Grey(uint32_t value) { return {value, value, value}; }
+Signal Grey(int32_t value) { return {value, value, value}; }
 
-/// Goes up and down between 0 and `span`.
-int64_t Swing(uint64_t way, uint64_t span)
+/// Goes up and down between 0 and `length`.
+int64_t Swing(uint64_t way, int64_t length)
 {
+    const auto span = static_cast<uint64_t>(std::max<int64_t>(1, length));
     const uint64_t phase = way % (2 * span);
     return static_cast<int64_t>(phase <= span ? phase : 2 * span - phase);
 }
@@ -67,15 +68,101 @@ const PixelFormat &PictureSettings::Format() const
     return format != nullptr ? *format : s_pixelFormats[0];
 }
 
-Scene::Scene(const PictureSettings &settings) : settings_(settings), format_(settings_.Format())
+Scene::Scene(const PictureSettings &settings)
+    : settings_(settings),
+      format_(settings_.Format()),
+      stepX_(int64_t{settings.binningX} * settings.decimationX),
+      stepY_(int64_t{settings.binningY} * settings.decimationY)
 {
     const double gain = std::pow(10.0, settings.gain / 2000.0);
-    factor_ = static_cast<uint64_t>(std::llround(settings.exposure / s_neutralExposure * gain * 65536));
+    // A bin sums up the light of its pixels.
+    const double factor = settings.exposure / s_neutralExposure * gain * settings.binningX * settings.binningY * 65536;
+    const bool isMono = format_.colours == Colours::Mono;
+    redFactor_ = std::llround(factor * (isMono ? 1 : settings.redRatio / 1000.0));
+    greenFactor_ = std::llround(factor);
+    blueFactor_ = std::llround(factor * (isMono ? 1 : settings.blueRatio / 1000.0));
+
+    hasColours_ = (format_.colours == Colours::Rgb || format_.colours == Colours::Bgr) &&
+                  (settings.hue != 0 || settings.saturation != 100);
+    // Hue turns about the grey axis, saturation stretches away from it.
+    const double angle = settings.hue / 1800.0 * 3.14159265358979323846;
+    const double saturation = settings.saturation / 100.0;
+    const double grey = (1 - std::cos(angle)) / 3, skew = std::sin(angle) / std::sqrt(3.0);
+    for (int row = 0; row < 3; ++row) {
+        for (int column = 0; column < 3; ++column) {
+            const double turned = row == column                 ? std::cos(angle) + grey
+                                  : (column - row + 3) % 3 == 1 ? grey - skew
+                                                                : grey + skew;
+            colours_[row][column] = std::llround((saturation * turned + (1 - saturation) / 3) * 4096);
+        }
+    }
+    if (settings.gamma != 100) {
+        for (int32_t i = 0; i <= s_white; ++i) {
+            const double value = s_white * std::pow(i / double{s_white}, settings.gamma / 100.0);
+            gamma_.push_back(static_cast<std::uint16_t>(std::llround(value)));
+        }
+    }
 }
 
-uint32_t Scene::Develop(uint64_t light) const
+int64_t Scene::SensorX(int64_t x) const
 {
-    return static_cast<uint32_t>(std::min<uint64_t>((light * factor_ >> 16) + settings_.blackLevel, s_white));
+    return (settings_.offsetX + (settings_.reverseX ? int64_t{settings_.width} - 1 - x : x)) * stepX_;
+}
+
+int64_t Scene::SensorY(int64_t y) const
+{
+    return (settings_.offsetY + (settings_.reverseY ? int64_t{settings_.height} - 1 - y : y)) * stepY_;
+}
+
+/// Colours that change over the sensor, under a chessboard.
+Signal Scene::Light(int64_t x, int64_t y) const
+{
+    const int64_t sensorX = std::clamp<int64_t>(SensorX(x), 0, settings_.sensorWidth - 1);
+    const int64_t sensorY = std::clamp<int64_t>(SensorY(y), 0, settings_.sensorHeight - 1);
+    const auto right = static_cast<int32_t>(1600 * sensorX / settings_.sensorWidth);
+    const auto down = static_cast<int32_t>(1600 * sensorY / settings_.sensorHeight);
+    const int32_t floor = (sensorX / 64 + sensorY / 64) % 2 != 0 ? 250 : 400;
+    return {floor + right, floor + down, floor + 1600 - right};
+}
+
+Signal Scene::SharpLight(int64_t x, int64_t y) const
+{
+    const Signal light = Light(x, y);
+    if (settings_.sharpness == 0) {
+        return light;
+    }
+    const Signal around[] = {Light(x - 1, y), Light(x + 1, y), Light(x, y - 1), Light(x, y + 1)};
+    const auto sharpen = [&](int32_t Signal::*colour) {
+        int32_t difference = 4 * light.*colour;
+        for (const Signal &neighbour : around) {
+            difference -= neighbour.*colour;
+        }
+        return std::max(0, light.*colour + difference * static_cast<int32_t>(settings_.sharpness) / 8);
+    };
+    return {sharpen(&Signal::red), sharpen(&Signal::green), sharpen(&Signal::blue)};
+}
+
+Signal Scene::Develop(Signal light) const
+{
+    if (format_.colours == Colours::Mono) {
+        light = Grey((light.red + 2 * light.green + light.blue) / 4);
+    }
+    const auto expose = [this](int32_t value, int64_t factor) {
+        return static_cast<int32_t>(std::min<int64_t>((value * factor >> 16) + settings_.blackLevel, s_white));
+    };
+    Signal signal{expose(light.red, redFactor_), expose(light.green, greenFactor_), expose(light.blue, blueFactor_)};
+    if (hasColours_) {
+        const auto mix = [&signal](const int64_t(&row)[3]) {
+            const int64_t sum = row[0] * signal.red + row[1] * signal.green + row[2] * signal.blue;
+            return static_cast<int32_t>(std::clamp<int64_t>(sum / 4096, 0, s_white));
+        };
+        signal = {mix(colours_[0]), mix(colours_[1]), mix(colours_[2])};
+    }
+    if (!gamma_.empty()) {
+        const auto bend = [this](int32_t value) { return int32_t{gamma_[static_cast<std::size_t>(value)]}; };
+        signal = {bend(signal.red), bend(signal.green), bend(signal.blue)};
+    }
+    return signal;
 }
 
 Signal Scene::Background(uint32_t x, uint32_t y) const
@@ -90,34 +177,20 @@ Signal Scene::Background(uint32_t x, uint32_t y) const
     case 4:
         return Grey(1365);
     case 5:
-        return Grey(x * 16 & s_white);
+        return Grey(static_cast<int32_t>(x * 16) & s_white);
     case 6:
-        return Grey(x * 16 / settings_.width * 273);
+        return Grey(static_cast<int32_t>(x * 16 / settings_.width * 273));
     case 7:
         return ColourBar(x * 8 / settings_.width);
     default:
-        break;
+        return Develop(SharpLight(x, y));
     }
-    // Colours that change over the sensor, under a chessboard.
-    const uint32_t sensorX = x + settings_.offsetX;
-    const uint32_t sensorY = y + settings_.offsetY;
-    const uint32_t right = 1600 * sensorX / settings_.sensorWidth;
-    const uint32_t down = 1600 * sensorY / settings_.sensorHeight;
-    const uint32_t floor = (sensorX / 64 + sensorY / 64) % 2 != 0 ? 250 : 400;
-    const Signal light{floor + right, floor + down, floor + 1600 - right};
-    if (format_.colours == Colours::Mono) {
-        return Grey(Develop((light.red + 2 * light.green + light.blue) / 4));
-    }
-    return {Develop(light.red), Develop(light.green), Develop(light.blue)};
 }
 
 Signal Scene::SubjectSignal() const
 {
-    const Signal light = format_.colours != Colours::Mono
-                             ? s_subjectLight
-                             : Grey((s_subjectLight.red + 2 * s_subjectLight.green + s_subjectLight.blue) / 4);
     // A test pattern is put in behind the sensor, where exposure and gain have no say any more.
-    return settings_.testPattern != 0 ? light : Signal{Develop(light.red), Develop(light.green), Develop(light.blue)};
+    return settings_.testPattern != 0 ? s_subjectLight : Develop(s_subjectLight);
 }
 
 Subject Scene::SubjectOf(uint64_t block) const
@@ -127,27 +200,41 @@ Subject Scene::SubjectOf(uint64_t block) const
     const uint32_t radius = std::max(2u, std::min(width, height) / 24);
     const uint64_t stepX = std::max(1u, width / 120);
     const uint64_t stepY = std::max(1u, height / 170);
-    return {Swing(block * stepX, std::max<int64_t>(1, int64_t{width} - 2 * radius)) + radius,
-            Swing(block * stepY, std::max<int64_t>(1, int64_t{height} - 2 * radius)) + radius, radius};
+    return {Swing(block * stepX, int64_t{width} - 2 * radius) + radius,
+            Swing(block * stepY, int64_t{height} - 2 * radius) + radius, radius};
+}
+
+/// The columns or lines of an image that show what lies on the sensor within half of centre.
+static Interval Shown(int64_t centre, int64_t half, int64_t step, uint32_t offset, uint32_t size, bool isReverse)
+{
+    const auto up = [step](int64_t value) { return value <= 0 ? value / step : (value + step - 1) / step; };
+    const int64_t first = up(centre - half) - offset;
+    const int64_t last = (centre + half) / step - offset;
+    return isReverse ? Clip(int64_t{size} - 1 - last, int64_t{size} - 1 - first, size) : Clip(first, last, size);
 }
 
 Interval Scene::SubjectLines(const Subject &subject) const
 {
-    const int64_t centre = subject.y - settings_.offsetY;
-    return Clip(centre - subject.radius, centre + subject.radius, settings_.height);
+    return Shown(subject.y, subject.radius, stepY_, settings_.offsetY, settings_.height, settings_.reverseY);
 }
 
 Interval Scene::SubjectColumns(const Subject &subject, int64_t line) const
 {
-    const int64_t down = line + settings_.offsetY - subject.y;
+    const int64_t down = SensorY(line) - subject.y;
     const int64_t half = Root(subject.radius * subject.radius - down * down);
-    const int64_t centre = subject.x - settings_.offsetX;
-    return Clip(centre - half, centre + half, settings_.width);
+    return Shown(subject.x, half, stepX_, settings_.offsetX, settings_.width, settings_.reverseX);
+}
+
+bool Scene::ShowsSubject(const Subject &subject, uint32_t x, uint32_t y) const
+{
+    const int64_t right = SensorX(x) - subject.x;
+    const int64_t down = SensorY(y) - subject.y;
+    return right * right + down * down <= subject.radius * subject.radius;
 }
 
 std::byte *Scene::Encode(Signal signal, uint32_t x, uint32_t y, std::byte *to) const
 {
-    const auto put8 = [&to](uint32_t value) { *to++ = static_cast<std::byte>(value >> 4); };
+    const auto put8 = [&to](int32_t value) { *to++ = static_cast<std::byte>(value >> 4); };
     if (format_.colours == Colours::Rgb || format_.colours == Colours::Bgr) {
         const bool isRgb = format_.colours == Colours::Rgb;
         put8(isRgb ? signal.red : signal.blue);
@@ -155,7 +242,7 @@ std::byte *Scene::Encode(Signal signal, uint32_t x, uint32_t y, std::byte *to) c
         put8(isRgb ? signal.blue : signal.red);
         return to;
     }
-    uint32_t value = signal.green; // of a grey signal all three are alike
+    int32_t value = signal.green; // of a grey signal all three are alike
     if (format_.colours == Colours::Bayer) {
         const bool isRedColumn = x % 2 == format_.redX;
         const bool isRedLine = y % 2 == format_.redY;
@@ -210,14 +297,13 @@ void RenderReference(const PictureSettings &settings, uint64_t block, std::span<
     const Signal subjectSignal = scene.SubjectSignal();
     std::byte *to = image.data();
     for (uint32_t y = 0; y < settings.height; ++y) {
-        const int64_t down = int64_t{y} + settings.offsetY - subject.y;
         for (uint32_t x = 0; x < settings.width; ++x) {
-            const int64_t right = int64_t{x} + settings.offsetX - subject.x;
-            const bool isSubject = right * right + down * down <= subject.radius * subject.radius;
             if (const std::optional<bool> part = mark.At(x, y)) {
                 to = scene.Encode(Grey(*part ? s_white : 0), x, y, to);
+            } else if (scene.ShowsSubject(subject, x, y)) {
+                to = scene.Encode(subjectSignal, x, y, to);
             } else {
-                to = scene.Encode(isSubject ? subjectSignal : scene.Background(x, y), x, y, to);
+                to = scene.Encode(scene.Background(x, y), x, y, to);
             }
         }
     }

@@ -7,6 +7,7 @@
 #include <array>
 #include <optional>
 #include <span>
+#include <vector>
 
 namespace Orvi::Vcam {
 
@@ -19,6 +20,13 @@ struct PictureSettings {
     std::uint32_t gain = 0;                 ///< 0.01 dB
     std::uint32_t blackLevel = 0;           ///< of 4095
     std::uint32_t testPattern = 0;
+    std::uint32_t binningX = 1, binningY = 1, decimationX = 1, decimationY = 1;
+    bool reverseX = false, reverseY = false;
+    std::uint32_t gamma = 100;                       ///< exponent, in hundredths
+    std::uint32_t sharpness = 0;                     ///< of 8
+    std::int32_t hue = 0;                            ///< 0.1 degrees
+    std::uint32_t saturation = 100;                  ///< percent
+    std::uint32_t redRatio = 1000, blueRatio = 1000; ///< to green, in thousandths
 
     bool operator==(const PictureSettings &) const = default;
     const PixelFormat &Format() const;
@@ -28,9 +36,9 @@ struct PictureSettings {
 
 /// Light or signal of the three colours, 0 to s_white.
 struct Signal {
-    std::uint32_t red, green, blue;
+    std::int32_t red, green, blue;
 };
-constexpr std::uint32_t s_white = 4095;
+constexpr std::int32_t s_white = 4095;
 
 /// The moving subject: a disc, in sensor coordinates.
 struct Subject {
@@ -54,15 +62,24 @@ class Scene {
     /// The lines of the image that the subject meets, and its columns in one of them.
     Interval SubjectLines(const Subject &subject) const;
     Interval SubjectColumns(const Subject &subject, std::int64_t line) const;
+    bool ShowsSubject(const Subject &subject, std::uint32_t x, std::uint32_t y) const;
     /// Writes one pixel; returns the bytes after it.
     std::byte *Encode(Signal signal, std::uint32_t x, std::uint32_t y, std::byte *to) const;
 
   private:
-    std::uint32_t Develop(std::uint64_t light) const;
+    std::int64_t SensorX(std::int64_t x) const;
+    std::int64_t SensorY(std::int64_t y) const;
+    Signal Light(std::int64_t x, std::int64_t y) const;
+    Signal SharpLight(std::int64_t x, std::int64_t y) const;
+    Signal Develop(Signal light) const;
 
     const PictureSettings settings_;
     const PixelFormat &format_;
-    std::uint64_t factor_; // light to signal, 16 bits after the point
+    const std::int64_t stepX_, stepY_;                  // columns and lines of the sensor for one of the image
+    std::int64_t redFactor_, greenFactor_, blueFactor_; // light to signal, 16 bits after the point
+    std::int64_t colours_[3][3];                        // hue and saturation, 12 bits after the point
+    bool hasColours_;
+    std::vector<std::uint16_t> gamma_; // empty when it changes nothing
 };
 
 /// The block id in the picture: its bits in line 0, its digits in a black box below.

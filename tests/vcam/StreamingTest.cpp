@@ -199,7 +199,7 @@ TEST_F(Streaming, FrameThatHasBegunIsFinishedHoweverLateTheTransfersCome)
     // The sensor goes on meanwhile and loses what it sees.
     ASSERT_TRUE(Eventually([&] { return camera_->DroppedBlocks() >= block + 5; }));
     std::vector<std::unique_ptr<Transfer>> rest;
-    for (const std::size_t size : {16384, 16384, 16384, 16384, 12288, 1024}) {
+    for (const std::size_t size : {16384u, 16384u, 16384u, 16384u, 12288u, 1024u}) {
         camera_->Submit(Endpoint::StreamIn, *rest.emplace_back(std::make_unique<Transfer>(size)));
     }
     std::vector<std::byte> image;
