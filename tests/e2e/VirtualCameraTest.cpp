@@ -1,0 +1,139 @@
+#include "tests/e2e/VirtualCameraTest.h"
+
+#include "tests/support/TempFolder.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <thread>
+
+namespace Orvi::Testing {
+
+namespace {
+constexpr int smallWidth = 64, smallHeight = 8;
+}
+
+VirtualCameraTest::VirtualCameraTest()
+{
+    setenv("HOME", TempFolder::OfProcess().c_str(), 1);
+    setenv("ORVICAMSDK", ORVI_TEST_SDK, 1);
+    setenv("ORVI_VIRTUAL_CAMERAS", "2", 1);
+    setenv("ORVI_TRANSPORT", "virtual", 1);
+    EXPECT_EQ(Sys_Initialize(SYS_INIT_U3V), 0u);
+    AwaitCameras(2);
+}
+
+VirtualCameraTest::~VirtualCameraTest()
+{
+    for (const CAM_HANDLE hCam : open_)
+        Cam_Close(hCam);
+    EXPECT_EQ(Sys_Terminate(), 0u);
+}
+
+void VirtualCameraTest::AwaitCameras(uint32_t count)
+{
+    uint32_t found = 0;
+    for (uint32_t waited = 0; waited < patience; waited += 10) {
+        EXPECT_EQ(Sys_GetNumOfCameras(&found), 0u);
+        if (found == count)
+            return;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    ADD_FAILURE() << found << " cameras instead of " << count;
+}
+
+void VirtualCameraTest::AwaitDrops(CAM_HANDLE hCam, uint32_t more)
+{
+    const uint32_t before = ReadWord(hCam, Virtual::droppedBlocks);
+    for (uint32_t waited = 0; waited < patience; ++waited) {
+        if (ReadWord(hCam, Virtual::droppedBlocks) - before >= more)
+            return;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    ADD_FAILURE() << "the camera drops no image";
+}
+
+CAM_HANDLE VirtualCameraTest::Open(uint32_t index)
+{
+    CAM_HANDLE hCam = 0;
+    EXPECT_EQ(Cam_Open(index, &hCam, nullptr, true, nullptr, CAM_ACCESS_MODE_CONTROL), 0u);
+    open_.push_back(hCam);
+    SetEnum(hCam, "PixelFormat", "Mono8");
+    SetInt(hCam, "Width", smallWidth);
+    SetInt(hCam, "Height", smallHeight);
+    WriteWord(hCam, Virtual::unthrottled, 1);
+    return hCam;
+}
+
+uint32_t ReadWord(CAM_HANDLE hCam, uint64_t address)
+{
+    uint32_t value = 0;
+    EXPECT_EQ(Cam_ReadReg(hCam, address, 1, &value), 0u) << std::hex << address;
+    return value;
+}
+
+void WriteWord(CAM_HANDLE hCam, uint64_t address, uint32_t value)
+{
+    EXPECT_EQ(Cam_WriteReg(hCam, address, 1, &value), 0u) << std::hex << address;
+}
+
+CAM_HANDLE Node(CAM_HANDLE hCam, const char *name)
+{
+    CAM_HANDLE hNode = 0;
+    EXPECT_EQ(Nd_GetNode(hCam, name, &hNode), 0u) << name;
+    return hNode;
+}
+
+int64_t GetInt(CAM_HANDLE hCam, const char *name)
+{
+    int64_t value = 0;
+    EXPECT_EQ(Nd_GetIntValue(hCam, Node(hCam, name), &value, false, false), 0u) << name;
+    return value;
+}
+
+void SetInt(CAM_HANDLE hCam, const char *name, int64_t value)
+{
+    EXPECT_EQ(Nd_SetIntValue(hCam, Node(hCam, name), value, true), 0u) << name;
+}
+
+void SetFloat(CAM_HANDLE hCam, const char *name, double value)
+{
+    EXPECT_EQ(Nd_SetFloatValue(hCam, Node(hCam, name), value, true), 0u) << name;
+}
+
+void SetEnum(CAM_HANDLE hCam, const char *name, const char *value)
+{
+    EXPECT_EQ(Nd_SetEnumStrValue(hCam, Node(hCam, name), value, true), 0u) << name << " = " << value;
+}
+
+std::vector<PixelFormat> PixelFormats(CAM_HANDLE hCam)
+{
+    const CAM_HANDLE hNode = Node(hCam, "PixelFormat");
+    uint32_t count = 0;
+    EXPECT_EQ(Nd_GetNumOfEnumEntries(hCam, hNode, &count), 0u);
+    std::vector<PixelFormat> formats;
+    for (uint32_t i = 0; i < count; ++i) {
+        CAM_HANDLE hEntry = 0;
+        char name[64] = "";
+        uint32_t size = sizeof name;
+        int64_t code = 0;
+        EXPECT_EQ(Nd_GetEnumEntryByIndex(hCam, hNode, i, &hEntry), 0u);
+        EXPECT_EQ(Nd_GetEnumEntryStrValue(hCam, hEntry, name, &size), 0u);
+        EXPECT_EQ(Nd_GetEnumEntryIntValue(hCam, hEntry, &code), 0u);
+        formats.push_back({name, static_cast<uint32_t>(code)});
+    }
+    return formats;
+}
+
+uint64_t DrawnBlockId(const void *image, uint32_t bytesPerPixel)
+{
+    const auto *bytes = static_cast<const unsigned char *>(image);
+    uint64_t id = 0;
+    for (uint32_t pixel = 0; pixel < 64; ++pixel) {
+        const unsigned char low = bytes[pixel * bytesPerPixel];
+        EXPECT_TRUE(low == 0 || low == 0xFF) << "pixel " << pixel << " is neither black nor white";
+        id = id << 1 | (low != 0);
+    }
+    return id;
+}
+
+} // namespace Orvi::Testing

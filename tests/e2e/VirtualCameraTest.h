@@ -1,0 +1,59 @@
+#pragma once
+// The fixture of the tests that use the library as an application does: with its own transport, on virtual cameras.
+
+#include "OrviCamApi.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace Orvi::Testing {
+
+/// The library initialised and its two virtual cameras enumerated.
+class VirtualCameraTest : public ::testing::Test {
+  protected:
+    VirtualCameraTest();
+    ~VirtualCameraTest() override;
+
+    /// Opens a camera with a small image and no limit of its frame rate; it is closed at the end of the test.
+    CAM_HANDLE Open(uint32_t index = 0);
+    /// Enumerates until that many cameras are there.
+    static void AwaitCameras(uint32_t count);
+    /// Waits until the camera has thrown away that many more images.
+    static void AwaitDrops(CAM_HANDLE hCam, uint32_t more);
+
+  private:
+    std::vector<CAM_HANDLE> open_;
+};
+
+/// How long a test waits for what must happen; only a failure waits so long.
+inline constexpr uint32_t patience = 20000; // ms
+
+/// Registers that only a virtual camera has.
+namespace Virtual {
+inline constexpr uint64_t unplug = 0x0F000000, replugAfter = 0x0F000004, droppedBlocks = 0x0F000008,
+                          unthrottled = 0x0F00000C;
+}
+
+uint32_t ReadWord(CAM_HANDLE hCam, uint64_t address);
+void WriteWord(CAM_HANDLE hCam, uint64_t address, uint32_t value);
+
+CAM_HANDLE Node(CAM_HANDLE hCam, const char *name);
+int64_t GetInt(CAM_HANDLE hCam, const char *name);
+void SetInt(CAM_HANDLE hCam, const char *name, int64_t value);
+void SetFloat(CAM_HANDLE hCam, const char *name, double value);
+void SetEnum(CAM_HANDLE hCam, const char *name, const char *value);
+
+struct PixelFormat {
+    std::string name;
+    uint32_t code;
+    /// As the code says.
+    uint32_t BytesPerPixel() const { return (code >> 16 & 0xFF) / 8; }
+};
+std::vector<PixelFormat> PixelFormats(CAM_HANDLE hCam);
+
+/// The block id that the camera has drawn into the first line, or a failure when there is none.
+uint64_t DrawnBlockId(const void *image, uint32_t bytesPerPixel);
+
+} // namespace Orvi::Testing
