@@ -18,10 +18,10 @@ constexpr Words Values(std::initializer_list<uint32_t> values)
 
 constexpr uint32_t Modes(std::initializer_list<uint32_t> modes) { return Values(modes)[0]; }
 
-constexpr uint32_t s_writable = 0xC3000000, s_triggers = 0xC2000000;
+constexpr uint32_t s_readable = 0xC1000000, s_writable = 0xC3000000, s_triggers = 0xC2000000;
 
 constexpr auto Number = BlockKind::Number, Choice = BlockKind::Choice, Action = BlockKind::Action,
-               Flag = BlockKind::Flag;
+               Flag = BlockKind::Flag, Lines = BlockKind::Lines;
 constexpr auto Never = Locked::Never, WhileStreaming = Locked::WhileStreaming;
 
 // clang-format off
@@ -42,10 +42,16 @@ constexpr ControlBlock s_blocks[] = {
     {Block::WhiteBalance,        Number, s_writable | Modes({1, 3}),     1, {1, 1000, 250, 4000},                    1000, Never}, // red
     {Block::TriggerMode,         Choice, s_writable,                     0, Values({0, 1}),                             0, Never},
     {Block::TriggerSequence,     Choice, s_writable,                     0, Values({0, 6}),                             0, Never},
-    {Block::TriggerSource,       Choice, s_writable,                     0, Values({0, 1, 2, 0x40}),                 0x40, Never},
+    {Block::TriggerSource,       Choice, s_writable,                     0, Values({0, 0x40}),                       0x40, Never},
     {Block::TriggerParameter,    Number, s_writable,                     0, {1, 1, 1, 255},                             1, Never}, // images of a burst
     {Block::TriggerDelay,        Number, s_writable,                     0, {1, 1000000, 0, 10000000},                  0, Never}, // s
     {Block::SoftwareTrigger,     Action, s_triggers | 0x01000000,        0, Values({0, 1, 8}),                          0, Never},
+    {Block::LineMode,            Lines,  s_readable,                     0, {0x7},                                  0x6, Never}, // 1: output
+    {Block::LineInverter,        Lines,  s_writable,                     0, {0x7},                                    0, Never},
+    {Block::LineStatus,          Lines,  s_readable,                     0, {0x7},                                    0, Never},
+    {Block::UserOutput,          Lines,  s_writable,                     0, {0x6},                                    0, Never},
+    {Block::LineSelector,        Choice, s_writable,                     0, Values({0, 1, 2}),                          1, Never},
+    {Block::LineSource,          Choice, s_writable,                     0, Values({0, 0x20, 0x63, 0x6A, 0x6B, 0x73, 0x7B}), 0, Never},
     {Block::TestPattern,         Choice, s_writable,                     0, Values({0, 1, 2, 3, 4, 5, 6, 7}),           0, Never},
     {Block::BinningX,            Number, s_writable,                     0, {1, 1, 1, 4},                               1, WhileStreaming},
     {Block::BinningY,            Number, s_writable,                     0, {1, 1, 1, 4},                               1, WhileStreaming},
@@ -139,6 +145,24 @@ void LoadControlBlocks(RegisterSpace &space, uint32_t sensorWidth, uint32_t sens
     for (const Extent &extent : s_extents) {
         space.SetRights(extent.address, 4, Rights::ReadWrite);
     }
+}
+
+std::vector<std::uint64_t> SettingWords()
+{
+    std::vector<std::uint64_t> words;
+    for (const ControlBlock &block : s_blocks) {
+        const bool isSetting = block.kind != BlockKind::Action && (block.inquiry & 1u << 25) != 0;
+        if (isSetting) {
+            words.push_back(block.ValueAddress());
+        }
+        if (isSetting && block.Modes() != 0) {
+            words.push_back(block.ModeAddress());
+        }
+    }
+    for (const Extent &extent : s_extents) {
+        words.push_back(extent.address);
+    }
+    return words;
 }
 
 GenCpStatus CheckControlWrite(const RegisterSpace &space, std::uint64_t address, uint32_t value, bool isStreaming)

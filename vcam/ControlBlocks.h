@@ -60,6 +60,12 @@ constexpr std::uint32_t TriggerSource    = 0x207060;
 constexpr std::uint32_t TriggerParameter = 0x207080;
 constexpr std::uint32_t TriggerDelay     = 0x2070A0;
 constexpr std::uint32_t SoftwareTrigger  = 0x2070C0;
+constexpr std::uint32_t LineMode         = 0x209020;
+constexpr std::uint32_t LineInverter     = 0x209040;
+constexpr std::uint32_t LineStatus       = 0x209060;
+constexpr std::uint32_t UserOutput       = 0x209080;
+constexpr std::uint32_t LineSelector     = 0x2090A0;
+constexpr std::uint32_t LineSource       = 0x2090C0;
 constexpr std::uint32_t TestPattern      = 0x21F120;
 constexpr std::uint32_t BinningX         = 0x21F140;
 constexpr std::uint32_t BinningY         = 0x21F160;
@@ -83,11 +89,24 @@ namespace AcquisitionCommand {
 constexpr std::uint32_t Abort = 0, Stop = 1, Continuous = 8, MultiFrame = 9;
 } // namespace AcquisitionCommand
 
+/// Sources of an output line.
+namespace LineSourceValue {
+constexpr std::uint32_t Off = 0x00, UserOutput = 0x20, AcquisitionActive = 0x63, FrameTriggerWait = 0x6A,
+                        FrameActive = 0x6B, FrameTransferActive = 0x73, ExposureActive = 0x7B;
+} // namespace LineSourceValue
+
+/// Values of trigger source, trigger sequence and automatic modes.
+constexpr std::uint32_t s_softwareSource = 0x40, s_burstSequence = 6;
+constexpr std::uint32_t s_modeManual = 1, s_modeAutomatic = 2, s_modeOnce = 3;
+
 /// The block that owns an address, or null.
 const ControlBlock *FindControlBlock(std::uint64_t address);
 
 /// Puts all blocks into the space as after power-up, with the rights that their inquiries give.
 void LoadControlBlocks(RegisterSpace &space, std::uint32_t sensorWidth, std::uint32_t sensorHeight);
+
+/// The words that make up the camera's settings: values and modes that are written and stay.
+std::vector<std::uint64_t> SettingWords();
 
 /// Whether a quadlet of the control region takes this value now.
 GenCpStatus CheckControlWrite(const RegisterSpace &space, std::uint64_t address, std::uint32_t value, bool isStreaming);

@@ -75,6 +75,15 @@ class Device final : public VirtualCamera, private GenCpMemory {
     void FinishWrite();
     bool IsStreaming() const { return IsStreamEnabled() || acquisition_.isActive; }
 
+    // DeviceFeatures.cpp: features that react to writes or act by themselves
+    bool WrittenFeature(std::uint64_t address, std::uint32_t value);
+    void FitImageToSensor();
+    void UpdateLines();
+    void Trigger();
+    void AdjustAutomatic();
+    void SaveUserSet(std::size_t number);
+    void LoadUserSet(std::size_t number);
+
     // PowerUp.cpp
     void PowerUp();
 
@@ -97,6 +106,8 @@ class Device final : public VirtualCamera, private GenCpMemory {
     std::uint64_t BeginFrame();
     void TakeFrame(Lock &lock);
     void LoseFrame(std::uint64_t block);
+    bool IsTriggered() const { return registers_.Word(Block::TriggerMode + 0x1C) != 0; }
+    bool IsTriggerDue(Lock &lock);
     bool SendFrame(Lock &lock, std::uint64_t block, std::uint64_t time, const PictureSettings &settings);
     bool SendMessage(std::uint64_t run, std::uint64_t epoch, Message message);
 
@@ -116,8 +127,15 @@ class Device final : public VirtualCamera, private GenCpMemory {
     bool isUnplugWritten_ = false; // by the command under way
     bool isStreamCut_ = false;     // by the command under way: what is queued is dropped
     bool isEventCut_ = false;
-    bool hasEvents_ = false; // raised and not yet handed to the endpoint
-    std::uint32_t lineLevels_ = 0;
+    bool hasEvents_ = false;                                     // raised and not yet handed to the endpoint
+    std::uint32_t lineLevels_ = 0;                               // at the pins
+    std::array<std::uint32_t, 3> lineSources_{};                 // of the output lines
+    std::deque<std::chrono::steady_clock::time_point> triggers_; // when they take effect
+    std::uint32_t burstLeft_ = 0;                                // images that the last trigger still asks for
+    bool isExposing_ = false, isTransferring_ = false, isInFrame_ = false;
+    using UserSet = std::vector<std::pair<std::uint64_t, std::uint32_t>>;
+    std::array<UserSet, 16> userSets_; // these survive unplugging; 0 is the factory's
+    std::uint32_t defaultUserSet_ = 0;
     bool isControlOutHalted_ = false;
     bool isPlugged_ = true;
     bool isUnplugRequested_ = false;

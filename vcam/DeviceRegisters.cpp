@@ -48,7 +48,8 @@ GenCpStatus Device::Write(std::uint64_t address, std::span<const std::byte> from
 GenCpStatus Device::CheckQuadlet(std::uint64_t address, std::uint32_t value) const
 {
     if (address >= Reg::Control && address < Reg::Control + Reg::ControlSize) {
-        return CheckControlWrite(registers_, address, value, IsStreaming());
+        const bool isInput = address == Block::LineSource + 0x1C && registers_.Word(Block::LineSelector + 0x1C) == 0;
+        return isInput ? GenCpStatus::AccessDenied : CheckControlWrite(registers_, address, value, IsStreaming());
     }
     if (address >= Reg::Sirm && address < Reg::Sirm + Reg::SirmSize) {
         return CheckStreamInterface(address, value);
@@ -61,6 +62,11 @@ GenCpStatus Device::CheckQuadlet(std::uint64_t address, std::uint32_t value) con
         return GenCpStatus::Success;
     }
     if (row->locked == Locked::WhileStreaming && IsStreaming()) {
+        return GenCpStatus::AccessDenied;
+    }
+    // The default set is the factory's: it can be loaded, not saved.
+    const bool isFactory = address == Reg::UserSetSave && registers_.Word(Reg::UserSetSelector) == 0;
+    if (isFactory) {
         return GenCpStatus::AccessDenied;
     }
     const bool isInRange = value >= row->minimum && value <= row->maximum;
@@ -143,16 +149,10 @@ void Device::Written(std::uint64_t address, std::uint32_t value)
     case Reg::UnplugNow:
         isUnplugWritten_ = value != 0;
         break;
-    case Reg::LineLevels: {
-        const bool isRising = (value & ~lineLevels_ & 1) != 0;
-        lineLevels_ = value;
-        if (isRising) {
-            Raise(EventKind::Line0RisingEdge, 0);
-        }
-        break;
-    }
     default:
-        WrittenFormat(address, value);
+        if (!WrittenFeature(address, value)) {
+            WrittenFormat(address, value);
+        }
         break;
     }
 }

@@ -19,6 +19,18 @@ PictureSettings Device::Settings() const
     settings.gain = value(Block::Gain);
     settings.blackLevel = value(Block::BlackLevel);
     settings.testPattern = value(Block::TestPattern);
+    settings.binningX = value(Block::BinningX);
+    settings.binningY = value(Block::BinningY);
+    settings.decimationX = value(Block::DecimationX);
+    settings.decimationY = value(Block::DecimationY);
+    settings.reverseX = registers_.Word(Block::ReverseX + 0x10) != 0;
+    settings.reverseY = registers_.Word(Block::ReverseY + 0x10) != 0;
+    settings.gamma = value(Block::Gamma);
+    settings.sharpness = value(Block::Sharpness);
+    settings.hue = static_cast<std::int32_t>(value(Block::Hue));
+    settings.saturation = value(Block::Saturation);
+    settings.redRatio = value(Block::WhiteBalance);
+    settings.blueRatio = registers_.Word(Reg::BlueRatio);
     return settings;
 }
 
@@ -50,6 +62,7 @@ void Device::StartAcquisition(std::uint32_t mode)
     ++acquisition_.run;
     isFirstFrame_ = true;
     registers_.SetWord(Reg::AcquisitionActive, 1);
+    UpdateLines();
     Raise(EventKind::AcquisitionStart, 0);
 }
 
@@ -58,6 +71,9 @@ void Device::EndAcquisition()
     if (acquisition_.isActive) {
         acquisition_.isActive = false;
         registers_.SetWord(Reg::AcquisitionActive, 0);
+        triggers_.clear();
+        burstLeft_ = 0;
+        UpdateLines();
         Raise(EventKind::AcquisitionEnd, 0);
     }
 }
@@ -128,6 +144,9 @@ bool Device::IsFrameDue(Lock &lock)
         }
         return false;
     }
+    if (IsTriggered() && burstLeft_ == 0 && !IsTriggerDue(lock)) {
+        return false;
+    }
     if (!IsThrottled()) {
         const bool isDue = stream_.HasTransfer() || !IsStreamEnabled();
         if (!isDue) {
@@ -143,6 +162,22 @@ bool Device::IsFrameDue(Lock &lock)
     return false;
 }
 
+bool Device::IsTriggerDue(Lock &lock)
+{
+    if (triggers_.empty()) {
+        wake_.wait(lock);
+        return false;
+    }
+    if (Clock::now() < triggers_.front()) {
+        wake_.wait_until(lock, triggers_.front());
+        return false;
+    }
+    triggers_.pop_front();
+    const bool isBurst = registers_.Word(Block::TriggerSequence + 0x1C) == s_burstSequence;
+    burstLeft_ = isBurst ? registers_.Word(Block::TriggerParameter + 0x1C) : 1;
+    return true;
+}
+
 std::uint64_t Device::BeginFrame()
 {
     const Clock::time_point now = Clock::now();
@@ -154,6 +189,7 @@ std::uint64_t Device::BeginFrame()
     if (acquisition_.isLimited) {
         --acquisition_.framesLeft;
     }
+    burstLeft_ -= burstLeft_ != 0 ? 1 : 0;
     return nextBlock_++;
 }
 
@@ -163,6 +199,8 @@ void Device::TakeFrame(Lock &lock)
     const bool isThrottled = IsThrottled();
     const PictureSettings settings = Settings();
     const std::uint64_t block = BeginFrame();
+    isInFrame_ = isExposing_ = true;
+    UpdateLines();
     Raise(EventKind::FrameStart, block);
     Raise(EventKind::ExposureStart, block);
     Announce(lock);
@@ -172,9 +210,12 @@ void Device::TakeFrame(Lock &lock)
             wake_.wait_until(lock, exposed);
         }
     }
+    isInFrame_ = isExposing_ = false;
+    UpdateLines();
     if (!IsRun(run)) {
         return;
     }
+    AdjustAutomatic();
     const std::uint64_t time = DeviceTime();
     RaiseAt(EventKind::ExposureEnd, block, time);
     Announce(lock);
@@ -211,6 +252,8 @@ bool Device::SendFrame(Lock &lock, std::uint64_t block, std::uint64_t time, cons
     if (!IsRun(run) || !IsStreamEnabled()) {
         return false;
     }
+    isInFrame_ = isTransferring_ = true;
+    UpdateLines();
     lock.unlock();
     const std::span image = painter_.Draw(settings, block);
     const std::uint16_t imageType = 1;
@@ -256,6 +299,8 @@ bool Device::SendFrame(Lock &lock, std::uint64_t block, std::uint64_t time, cons
     }
     isSent = isSent && SendMessage(run, epoch, {.data = trailer});
     lock.lock();
+    isInFrame_ = isTransferring_ = false;
+    UpdateLines();
     return isSent;
 }
 
@@ -270,7 +315,8 @@ bool Device::SendMessage(std::uint64_t run, std::uint64_t epoch, Message message
         if (stream_.HasTransfer()) {
             continue;
         }
-        const bool mayMiss = IsThrottled() && !acquisition_.isStopping && HasFramesLeft();
+        const bool mayMiss =
+            IsThrottled() && !acquisition_.isStopping && HasFramesLeft() && (!IsTriggered() || burstLeft_ != 0);
         if (!mayMiss) {
             wake_.wait(lock);
             continue;

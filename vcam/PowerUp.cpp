@@ -127,7 +127,15 @@ void Device::PowerUp()
     nextBlock_ = 0;
     lineLevels_ = 0;
     dropped_ = 0;
-    UpdatePayloadSize();
+    lineSources_.fill(LineSourceValue::Off);
+    triggers_.clear();
+    burstLeft_ = 0;
+    if (userSets_[0].empty()) {
+        SaveUserSet(0);
+    }
+    registers_.SetWord(Reg::UserSetDefault, defaultUserSet_);
+    LoadUserSet(defaultUserSet_);
+    UpdateLines();
 }
 
 } // namespace Orvi::Vcam

@@ -77,6 +77,15 @@ constexpr std::uint64_t AcquisitionMode       = Device + 0x14; // 8 continuous, 
 constexpr std::uint64_t AcquisitionStart      = Device + 0x18; // write 1: starts in that mode
 constexpr std::uint64_t AcquisitionAbort      = Device + 0x1C; // write 1
 constexpr std::uint64_t AcquisitionActive     = Device + 0x20; // 1 while images are taken
+constexpr std::uint64_t BalanceRatioSelector  = Device + 0x24; // 0 red, 1 blue
+constexpr std::uint64_t BalanceRatio          = Device + 0x28; // of the selected colour, in thousandths
+constexpr std::uint64_t BlueRatio             = Device + 0x2C; // red's is the value of the white balance block
+constexpr std::uint64_t TriggerActivation     = Device + 0x30; // 0 falling edge, 1 rising edge
+constexpr std::uint64_t UserSetSelector       = Device + 0x34; // 0 default, 1 to 15
+constexpr std::uint64_t UserSetLoad           = Device + 0x38; // write 1
+constexpr std::uint64_t UserSetSave           = Device + 0x3C; // write 1
+constexpr std::uint64_t UserSetDefault        = Device + 0x40; // the set that is loaded at power-up
+constexpr std::uint64_t UserSetDone           = Device + 0x44; // 1 when no load or save is under way
 constexpr std::uint32_t DeviceSize            = 0x100;
 
 // What no real camera has: see docs/virtual-camera.md
