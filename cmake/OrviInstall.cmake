@@ -5,8 +5,6 @@ include(CMakePackageConfigHelpers)
 set(_package_dir lib/cmake/OrviCamApi)
 set(_package_build "${CMAKE_CURRENT_BINARY_DIR}/package")
 
-# Through configure_file, so that a changed header is staged again by the next build.
-configure_file(include/OrviCamApi.h "${ORVI_SDK_DIR}/include/OrviCamApi.h" COPYONLY)
 configure_file(cmake/OrviCamApi.pc.in "${ORVI_SDK_DIR}/lib/pkgconfig/OrviCamApi.pc" @ONLY)
 configure_package_config_file(cmake/OrviCamApiConfig.cmake.in "${_package_build}/OrviCamApiConfig.cmake"
   INSTALL_DESTINATION "${_package_dir}")
