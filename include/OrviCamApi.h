@@ -901,25 +901,1401 @@ CAM_API_STATUS Evt_FlushWaitQueue(CAM_HANDLE hEvt);
 
 /**
  * @defgroup feature Features
- * One call per camera feature.
+ * One call per camera feature, with its unit and its limits.
+ *
+ * @par Two roads
+ * USB3 Vision cameras of the register-map family are reached through blocks of control registers, named below by the
+ * address of their inquiry word; all others, and features that no register holds, through the nodes named below.
+ *
+ * @par Statuses
+ * Besides the statuses named at a function:
+ * - #CAM_API_STS_INVALID_CAMERA_HANDLE: @p hCam is 0, or no camera of a kind that the feature knows;
+ * - #CAM_API_STS_INVALID_PARAMETER: an output is null; a value is outside the camera's limits, off its increments, or
+ *   not a value of its enumeration;
+ * - #CAM_API_STS_NOT_IMPLEMENTED: the camera lacks the feature;
+ * - #CAM_API_STS_ACCESS_DENIED: a register block that is not available now;
+ * - #CAM_API_STS_NOT_AVAILABLE: a node that is not available now; a value or mode that the camera's registers lack;
+ * - #CAM_API_STS_NOT_READABLE, #CAM_API_STS_NOT_WRITABLE: no right to; the second also where "refused while streaming"
+ * is written and the stream interface is enabled (registers only; a node then says what it thinks of it);
+ * - #CAM_API_STS_UNSUCCESSFUL: an enumeration of the camera shows an entry without a value here, or is given a value of
+ *   128 or more through registers.
+ *
+ * A refused value is not written. A function that selects first (a line, an index, a colour) leaves the selection.
+ * Handles and outputs are checked before the library asks whether it is initialised.
  * @{
  */
 
 /**
- * Whether the camera's stream interface is enabled.
- * @param hCam          the camera
+ * @name Stream interface
+ * @{
+ */
+
+/**
+ * Whether the camera's stream interface is enabled. Register 0x20004, else node StreamEnable.
+ * @param hCam the camera
  * @param[out] pbEnable true between Strm_Start() and Strm_Stop()
- * @retval CAM_API_STS_INVALID_PARAMETER @p pbEnable is null
+ * @retval CAM_API_STS_NOT_IMPLEMENTED a GigE Vision camera
  */
 CAM_API_STATUS GetCamStreamEnable(CAM_HANDLE hCam, bool *pbEnable);
 
 /**
- * Bytes of an image with the present settings, chunks included.
- * @param hCam                the camera
+ * Bytes of an image with the present settings, chunks included. Register 0x20008, else node SIRequiredPayloadSize. When
+ * both fail the status is the register's.
+ * @param hCam the camera
  * @param[out] puiPayloadSize bytes
- * @retval CAM_API_STS_INVALID_PARAMETER @p puiPayloadSize is null
  */
 CAM_API_STATUS GetCamStreamPayloadSize(CAM_HANDLE hCam, uint32_t *puiPayloadSize);
+
+/** @} */
+
+/**
+ * @name Image format
+ * @{
+ */
+
+/** Image formats of a camera: GenICam entries Format0 to Format2. */
+CAM_ENUM(CAM_IMAGE_FORMAT_SELECTOR_TYPE){
+    CAM_IMAGE_FORMAT_SELECTOR_FORMAT0 = 0, /**< The format that width, height and offsets apply to. */
+    CAM_IMAGE_FORMAT_SELECTOR_FORMAT1 = 1, /**< The camera's second format. */
+    CAM_IMAGE_FORMAT_SELECTOR_FORMAT2 = 2  /**< The camera's third format. */
+};
+
+/**
+ * Image format in use. Block 0x202020; node ImageFormatSelector.
+ * @param hCam the camera
+ * @param[out] peFormat the format
+ */
+CAM_API_STATUS GetCamImageFormatSelector(CAM_HANDLE hCam, CAM_IMAGE_FORMAT_SELECTOR_TYPE *peFormat);
+
+/**
+ * Chooses the image format. Refused while streaming.
+ * @param hCam the camera
+ * @param eFormat one of ::CAM_IMAGE_FORMAT_SELECTOR_TYPE
+ */
+CAM_API_STATUS SetCamImageFormatSelector(CAM_HANDLE hCam, CAM_IMAGE_FORMAT_SELECTOR_TYPE eFormat);
+
+/**
+ * Width of the sensor in pixels. Register 0x20207C, else node SensorWidth.
+ * @param hCam the camera
+ * @param[out] puiSensorWidth pixels
+ */
+CAM_API_STATUS GetCamSensorWidth(CAM_HANDLE hCam, uint32_t *puiSensorWidth);
+
+/**
+ * Height of the sensor in pixels. Register 0x202090, else node SensorHeight.
+ * @param hCam the camera
+ * @param[out] puiSensorHeight pixels
+ */
+CAM_API_STATUS GetCamSensorHeight(CAM_HANDLE hCam, uint32_t *puiSensorHeight);
+
+/**
+ * Limits of Get/SetCamWidth(). Block 0x202060; node Width.
+ * @param hCam the camera
+ * @param[out] puiMin least value in pixels
+ * @param[out] puiMax greatest value in pixels: sensor width less the present offset X
+ * @param[out] puiInc distance of the values from each other, counted from the least
+ */
+CAM_API_STATUS GetCamWidthMinMax(CAM_HANDLE hCam, uint32_t *puiMin, uint32_t *puiMax, uint32_t *puiInc);
+
+/**
+ * Width of the image, in pixels. Register 0x202098, else node Width.
+ * @param hCam the camera
+ * @param[out] puiValue pixels
+ */
+CAM_API_STATUS GetCamWidth(CAM_HANDLE hCam, uint32_t *puiValue);
+
+/**
+ * Sets what GetCamWidth() reads. Refused while streaming. See SetCamRoi() for all four at once.
+ * @param hCam the camera
+ * @param uiValue pixels, within GetCamWidthMinMax() and on its increments
+ * @retval CAM_API_STS_NOT_WRITABLE also when the camera reports an increment of 0
+ */
+CAM_API_STATUS SetCamWidth(CAM_HANDLE hCam, uint32_t uiValue);
+
+/**
+ * Limits of Get/SetCamHeight(). Block 0x202060; node Height.
+ * @param hCam the camera
+ * @param[out] puiMin least value in pixels
+ * @param[out] puiMax greatest value in pixels: sensor height less the present offset Y
+ * @param[out] puiInc distance of the values from each other, counted from the least
+ */
+CAM_API_STATUS GetCamHeightMinMax(CAM_HANDLE hCam, uint32_t *puiMin, uint32_t *puiMax, uint32_t *puiInc);
+
+/**
+ * Height of the image, in pixels. Register 0x2020A0, else node Height.
+ * @param hCam the camera
+ * @param[out] puiValue pixels
+ */
+CAM_API_STATUS GetCamHeight(CAM_HANDLE hCam, uint32_t *puiValue);
+
+/**
+ * Sets what GetCamHeight() reads. Refused while streaming. See SetCamRoi() for all four at once.
+ * @param hCam the camera
+ * @param uiValue pixels, within GetCamHeightMinMax() and on its increments
+ * @retval CAM_API_STS_NOT_WRITABLE also when the camera reports an increment of 0
+ */
+CAM_API_STATUS SetCamHeight(CAM_HANDLE hCam, uint32_t uiValue);
+
+/**
+ * Limits of Get/SetCamOffsetX(). Block 0x202060; node OffsetX.
+ * @param hCam the camera
+ * @param[out] puiMin least value in pixels
+ * @param[out] puiMax greatest value in pixels: sensor width less the present width
+ * @param[out] puiInc distance of the values from each other, counted from the least
+ */
+CAM_API_STATUS GetCamOffsetXMinMax(CAM_HANDLE hCam, uint32_t *puiMin, uint32_t *puiMax, uint32_t *puiInc);
+
+/**
+ * First column of the image on the sensor, in pixels. Register 0x202094, else node OffsetX.
+ * @param hCam the camera
+ * @param[out] puiValue pixels
+ */
+CAM_API_STATUS GetCamOffsetX(CAM_HANDLE hCam, uint32_t *puiValue);
+
+/**
+ * Sets what GetCamOffsetX() reads. Refused while streaming. See SetCamRoi() for all four at once.
+ * @param hCam the camera
+ * @param uiValue pixels, within GetCamOffsetXMinMax() and on its increments
+ * @retval CAM_API_STS_NOT_WRITABLE also when the camera reports an increment of 0
+ */
+CAM_API_STATUS SetCamOffsetX(CAM_HANDLE hCam, uint32_t uiValue);
+
+/**
+ * Limits of Get/SetCamOffsetY(). Block 0x202060; node OffsetY.
+ * @param hCam the camera
+ * @param[out] puiMin least value in pixels
+ * @param[out] puiMax greatest value in pixels: sensor height less the present height
+ * @param[out] puiInc distance of the values from each other, counted from the least
+ */
+CAM_API_STATUS GetCamOffsetYMinMax(CAM_HANDLE hCam, uint32_t *puiMin, uint32_t *puiMax, uint32_t *puiInc);
+
+/**
+ * First line of the image on the sensor, in pixels. Register 0x20209C, else node OffsetY.
+ * @param hCam the camera
+ * @param[out] puiValue pixels
+ */
+CAM_API_STATUS GetCamOffsetY(CAM_HANDLE hCam, uint32_t *puiValue);
+
+/**
+ * Sets what GetCamOffsetY() reads. Refused while streaming. See SetCamRoi() for all four at once.
+ * @param hCam the camera
+ * @param uiValue pixels, within GetCamOffsetYMinMax() and on its increments
+ * @retval CAM_API_STS_NOT_WRITABLE also when the camera reports an increment of 0
+ */
+CAM_API_STATUS SetCamOffsetY(CAM_HANDLE hCam, uint32_t uiValue);
+
+/**
+ * Region of interest: GetCamWidth(), GetCamHeight(), GetCamOffsetX() and GetCamOffsetY() in one.
+ * @param hCam the camera
+ * @param[out] puiWidth pixels
+ * @param[out] puiHeight pixels
+ * @param[out] puiOffsetX pixels
+ * @param[out] puiOffsetY pixels
+ */
+CAM_API_STATUS GetCamRoi(CAM_HANDLE hCam, uint32_t *puiWidth, uint32_t *puiHeight, uint32_t *puiOffsetX,
+                         uint32_t *puiOffsetY);
+
+/**
+ * Sets the region of interest, in the order that keeps it on the sensor at every step; what does not change is not
+ * written. Refused while streaming. After a failure the steps before it stay made.
+ * @param hCam the camera
+ * @param uiWidth as for SetCamWidth()
+ * @param uiHeight as for SetCamHeight()
+ * @param uiOffsetX as for SetCamOffsetX()
+ * @param uiOffsetY as for SetCamOffsetY()
+ */
+CAM_API_STATUS SetCamRoi(CAM_HANDLE hCam, uint32_t uiWidth, uint32_t uiHeight, uint32_t uiOffsetX, uint32_t uiOffsetY);
+
+/**
+ * Limits of Get/SetCamBinningHorizontal().
+ * @param hCam the camera
+ * @param[out] puiMin least value
+ * @param[out] puiMax greatest value
+ */
+CAM_API_STATUS GetCamBinningHorizontalMinMax(CAM_HANDLE hCam, uint32_t *puiMin, uint32_t *puiMax);
+
+/**
+ * Pixels of a line that are added up to one. Block 0x21F140; node BinningHorizontal.
+ * @param hCam the camera
+ * @param[out] puiValue pixels
+ */
+CAM_API_STATUS GetCamBinningHorizontal(CAM_HANDLE hCam, uint32_t *puiValue);
+
+/**
+ * Sets what GetCamBinningHorizontal() reads. Refused while streaming.
+ * @param hCam the camera
+ * @param uiValue within GetCamBinningHorizontalMinMax()
+ */
+CAM_API_STATUS SetCamBinningHorizontal(CAM_HANDLE hCam, uint32_t uiValue);
+
+/**
+ * Limits of Get/SetCamBinningVertical().
+ * @param hCam the camera
+ * @param[out] puiMin least value
+ * @param[out] puiMax greatest value
+ */
+CAM_API_STATUS GetCamBinningVerticalMinMax(CAM_HANDLE hCam, uint32_t *puiMin, uint32_t *puiMax);
+
+/**
+ * Lines that are added up to one. Block 0x21F160; node BinningVertical.
+ * @param hCam the camera
+ * @param[out] puiValue lines
+ */
+CAM_API_STATUS GetCamBinningVertical(CAM_HANDLE hCam, uint32_t *puiValue);
+
+/**
+ * Sets what GetCamBinningVertical() reads. Refused while streaming.
+ * @param hCam the camera
+ * @param uiValue within GetCamBinningVerticalMinMax()
+ */
+CAM_API_STATUS SetCamBinningVertical(CAM_HANDLE hCam, uint32_t uiValue);
+
+/**
+ * Limits of Get/SetCamDecimationHorizontal().
+ * @param hCam the camera
+ * @param[out] puiMin least value
+ * @param[out] puiMax greatest value
+ */
+CAM_API_STATUS GetCamDecimationHorizontalMinMax(CAM_HANDLE hCam, uint32_t *puiMin, uint32_t *puiMax);
+
+/**
+ * Of so many pixels of a line one is sent. Block 0x21F180; node DecimationHorizontal.
+ * @param hCam the camera
+ * @param[out] puiValue pixels
+ */
+CAM_API_STATUS GetCamDecimationHorizontal(CAM_HANDLE hCam, uint32_t *puiValue);
+
+/**
+ * Sets what GetCamDecimationHorizontal() reads. Refused while streaming.
+ * @param hCam the camera
+ * @param uiValue within GetCamDecimationHorizontalMinMax()
+ */
+CAM_API_STATUS SetCamDecimationHorizontal(CAM_HANDLE hCam, uint32_t uiValue);
+
+/**
+ * Limits of Get/SetCamDecimationVertical().
+ * @param hCam the camera
+ * @param[out] puiMin least value
+ * @param[out] puiMax greatest value
+ */
+CAM_API_STATUS GetCamDecimationVerticalMinMax(CAM_HANDLE hCam, uint32_t *puiMin, uint32_t *puiMax);
+
+/**
+ * Of so many lines one is sent. Block 0x21F1A0; node DecimationVertical.
+ * @param hCam the camera
+ * @param[out] puiValue lines
+ */
+CAM_API_STATUS GetCamDecimationVertical(CAM_HANDLE hCam, uint32_t *puiValue);
+
+/**
+ * Sets what GetCamDecimationVertical() reads. Refused while streaming.
+ * @param hCam the camera
+ * @param uiValue within GetCamDecimationVerticalMinMax()
+ */
+CAM_API_STATUS SetCamDecimationVertical(CAM_HANDLE hCam, uint32_t uiValue);
+
+/**
+ * Whether left and right of the image are exchanged. Block 0x21F1C0; node ReverseX, a boolean or an enumeration of Off
+ * and On.
+ * @param hCam the camera
+ * @param[out] pbValue true: mirrored
+ */
+CAM_API_STATUS GetCamReverseX(CAM_HANDLE hCam, bool *pbValue);
+
+/**
+ * Exchanges left and right of the image. Not refused here while streaming.
+ * @param hCam the camera
+ * @param bValue true: mirrored
+ */
+CAM_API_STATUS SetCamReverseX(CAM_HANDLE hCam, bool bValue);
+
+/**
+ * Whether top and bottom of the image are exchanged. Block 0x21F1E0; node ReverseY, a boolean or an enumeration of Off
+ * and On.
+ * @param hCam the camera
+ * @param[out] pbValue true: mirrored
+ */
+CAM_API_STATUS GetCamReverseY(CAM_HANDLE hCam, bool *pbValue);
+
+/**
+ * Exchanges top and bottom of the image. Not refused here while streaming.
+ * @param hCam the camera
+ * @param bValue true: mirrored
+ */
+CAM_API_STATUS SetCamReverseY(CAM_HANDLE hCam, bool bValue);
+
+/** Pixel formats: codes of the Pixel Format Naming Convention. */
+CAM_ENUM(CAM_PIXEL_FORMAT){
+    CAM_PIXEL_FORMAT_MONO8 = 0x01080001,           /**< 8 bits grey. */
+    CAM_PIXEL_FORMAT_MONO10 = 0x01100003,          /**< 10 bits grey in 16. */
+    CAM_PIXEL_FORMAT_MONO12 = 0x01100005,          /**< 12 bits grey in 16. */
+    CAM_PIXEL_FORMAT_MONO16 = 0x01100007,          /**< 16 bits grey. */
+    CAM_PIXEL_FORMAT_BAYERGR8 = 0x01080008,        /**< Bayer, first line green red, 8 bits. */
+    CAM_PIXEL_FORMAT_BAYERGR10 = 0x0110000C,       /**< ... 10 bits in 16. */
+    CAM_PIXEL_FORMAT_BAYERGR12 = 0x01100010,       /**< ... 12 bits in 16. */
+    CAM_PIXEL_FORMAT_BAYERRG8 = 0x01080009,        /**< Bayer, first line red green, 8 bits. */
+    CAM_PIXEL_FORMAT_BAYERRG10 = 0x0110000D,       /**< ... 10 bits in 16. */
+    CAM_PIXEL_FORMAT_BAYERRG12 = 0x01100011,       /**< ... 12 bits in 16. */
+    CAM_PIXEL_FORMAT_BAYERGB8 = 0x0108000A,        /**< Bayer, first line green blue, 8 bits. */
+    CAM_PIXEL_FORMAT_BAYERGB10 = 0x0110000E,       /**< ... 10 bits in 16. */
+    CAM_PIXEL_FORMAT_BAYERGB12 = 0x01100012,       /**< ... 12 bits in 16. */
+    CAM_PIXEL_FORMAT_BAYERBG8 = 0x0108000B,        /**< Bayer, first line blue green, 8 bits. */
+    CAM_PIXEL_FORMAT_BAYERBG10 = 0x0110000F,       /**< ... 10 bits in 16. */
+    CAM_PIXEL_FORMAT_BAYERBG12 = 0x01100013,       /**< ... 12 bits in 16. */
+    CAM_PIXEL_FORMAT_RGB8 = 0x02180014,            /**< Red, green, blue; 8 bits each. */
+    CAM_PIXEL_FORMAT_BGR8 = 0x02180015,            /**< Blue, green, red; 8 bits each. */
+    CAM_PIXEL_FORMAT_BGR10 = 0x02300019,           /**< Blue, green, red; 10 bits in 16 each. Nodes only. */
+    CAM_PIXEL_FORMAT_BGR12 = 0x0230001B,           /**< Blue, green, red; 12 bits in 16 each. Nodes only. */
+    CAM_PIXEL_FORMAT_YUV411_8_UYYVYY = 0x020C001E, /**< 4 pixels in 6 bytes. */
+    CAM_PIXEL_FORMAT_YUV422_8_UYVY = 0x0210001F,   /**< 2 pixels in 4 bytes. */
+    CAM_PIXEL_FORMAT_YUV8_UYV = 0x02180020         /**< 3 bytes per pixel. Nodes only. */
+};
+
+/**
+ * Pixel format. Blocks 0x2020C0 (coding) and 0x2020E0 (bits per pixel), else node PixelFormat.
+ * @param hCam the camera
+ * @param[out] pePixelFormat the format; 0 on failure, and when the registers hold a pair that stands for no format and
+ * there is no node
+ */
+CAM_API_STATUS GetCamPixelFormat(CAM_HANDLE hCam, CAM_PIXEL_FORMAT *pePixelFormat);
+
+/**
+ * Chooses the pixel format. Where the registers refuse it the nodes PixelFormat, else PixelCoding and PixelSize, are
+ * tried too, but the status stays that of the registers. Refused while streaming.
+ * @param hCam the camera
+ * @param ePixelFormat one of ::CAM_PIXEL_FORMAT
+ * @retval CAM_API_STS_INVALID_PARAMETER not in ::CAM_PIXEL_FORMAT, or nodes only on a camera with registers
+ */
+CAM_API_STATUS SetCamPixelFormat(CAM_HANDLE hCam, CAM_PIXEL_FORMAT ePixelFormat);
+
+/** Pictures that the camera makes up. */
+CAM_ENUM(CAM_TEST_PATTERN_TYPE){
+    CAM_TEST_PATTERN_OFF = 0,             /**< What the sensor sees. */
+    CAM_TEST_PATTERN_BLACK = 1,           /**< Black. */
+    CAM_TEST_PATTERN_WHITE = 2,           /**< White. */
+    CAM_TEST_PATTERN_GREY_A = 3,          /**< Bright grey. */
+    CAM_TEST_PATTERN_GREY_B = 4,          /**< Dark grey. */
+    CAM_TEST_PATTERN_HORIZONTAL_RAMP = 5, /**< Grey that rises from left to right. */
+    CAM_TEST_PATTERN_GREY_SCALE = 6,      /**< Steps of grey. */
+    CAM_TEST_PATTERN_COLOR_BAR = 7,       /**< Colour bars. */
+    CAM_TEST_PATTERN_VERTICAL_RAMP = 8    /**< Grey that rises from top to bottom. */
+};
+
+/**
+ * Test pattern. Block 0x21F120; node TestImageSelector, else TestPattern.
+ * @param hCam the camera
+ * @param[out] peTestPattern the pattern
+ */
+CAM_API_STATUS GetCamTestPattern(CAM_HANDLE hCam, CAM_TEST_PATTERN_TYPE *peTestPattern);
+
+/**
+ * Chooses the test pattern. Not refused here while streaming.
+ * @param hCam the camera
+ * @param eTestPattern one of ::CAM_TEST_PATTERN_TYPE
+ */
+CAM_API_STATUS SetCamTestPattern(CAM_HANDLE hCam, CAM_TEST_PATTERN_TYPE eTestPattern);
+
+/** @} */
+
+/**
+ * @name Acquisition
+ * @{
+ */
+
+/**
+ * Limits of Get/SetCamAcquisitionFrameCount().
+ * @param hCam the camera
+ * @param[out] puiAcquisitionFrameCountMin least number of images
+ * @param[out] puiAcquisitionFrameCountMax greatest number of images
+ */
+CAM_API_STATUS GetCamAcquisitionFrameCountMinMax(CAM_HANDLE hCam, uint32_t *puiAcquisitionFrameCountMin,
+                                                 uint32_t *puiAcquisitionFrameCountMax);
+
+/**
+ * Images of an acquisition in the mode #CAM_ACQ_MODE_MULTI_FRAME. Block 0x203040; node AcquisitionFrameCount.
+ * @param hCam the camera
+ * @param[out] puiAcquisitionFrameCount number of images
+ */
+CAM_API_STATUS GetCamAcquisitionFrameCount(CAM_HANDLE hCam, uint32_t *puiAcquisitionFrameCount);
+
+/**
+ * Sets what GetCamAcquisitionFrameCount() reads. Allowed while streaming.
+ * @param hCam the camera
+ * @param uiAcquisitionFrameCount within GetCamAcquisitionFrameCountMinMax()
+ */
+CAM_API_STATUS SetCamAcquisitionFrameCount(CAM_HANDLE hCam, uint32_t uiAcquisitionFrameCount);
+
+/** Who decides on the frame rate. */
+CAM_ENUM(CAM_ACQ_FRAME_RATE_CONTROL_TYPE){
+    CAM_ACQ_FRAME_RATE_CONTROL_NO_SPECIFY = 0, /**< The camera: as fast as exposure and link allow. */
+    CAM_ACQ_FRAME_RATE_CONTROL_MANUAL = 1      /**< SetCamAcquisitionFrameRate(). */
+};
+
+/**
+ * Who decides on the frame rate. Mode word of block 0x2030A0; node AcquisitionFrameRateControl.
+ * @param hCam the camera
+ * @param[out] peAcquisitionFrameRateControl the mode
+ */
+CAM_API_STATUS GetCamAcquisitionFrameRateControl(CAM_HANDLE hCam,
+                                                 CAM_ACQ_FRAME_RATE_CONTROL_TYPE *peAcquisitionFrameRateControl);
+
+/**
+ * Chooses who decides on the frame rate. Allowed while streaming.
+ * @param hCam the camera
+ * @param eAcquisitionFrameRateControl one of ::CAM_ACQ_FRAME_RATE_CONTROL_TYPE
+ */
+CAM_API_STATUS SetCamAcquisitionFrameRateControl(CAM_HANDLE hCam,
+                                                 CAM_ACQ_FRAME_RATE_CONTROL_TYPE eAcquisitionFrameRateControl);
+
+/**
+ * Limits of Get/SetCamAcquisitionFrameRate().
+ * @param hCam the camera
+ * @param[out] pdAcquisitionFrameRateMin least value, images per second
+ * @param[out] pdAcquisitionFrameRateMax greatest value, images per second
+ */
+CAM_API_STATUS GetCamAcquisitionFrameRateMinMax(CAM_HANDLE hCam, double *pdAcquisitionFrameRateMin,
+                                                double *pdAcquisitionFrameRateMax);
+
+/**
+ * Frame rate. Block 0x2030A0; node AcquisitionFrameRate.
+ * @param hCam the camera
+ * @param[out] pdAcquisitionFrameRate images per second
+ */
+CAM_API_STATUS GetCamAcquisitionFrameRate(CAM_HANDLE hCam, double *pdAcquisitionFrameRate);
+
+/**
+ * Sets what GetCamAcquisitionFrameRate() reads, rounded to what the camera can do. Allowed while streaming.
+ * @param hCam the camera
+ * @param dAcquisitionFrameRate images per second, within GetCamAcquisitionFrameRateMinMax()
+ * @retval CAM_API_STS_INVALID_PARAMETER outside the limits
+ */
+CAM_API_STATUS SetCamAcquisitionFrameRate(CAM_HANDLE hCam, double dAcquisitionFrameRate);
+
+/** Whether images go to the camera's memory first. */
+CAM_ENUM(CAM_IMAGE_BUFFER_MODE_TYPE){
+    CAM_IMAGE_BUFFER_MODE_OFF = 0, /**< Images are sent at once. */
+    CAM_IMAGE_BUFFER_MODE_ON = 1   /**< Images are held until ExecuteCamImageBufferRead(). */
+};
+
+/**
+ * Whether the camera holds its images. Block 0x203060; node ImageBufferMode.
+ * @param hCam the camera
+ * @param[out] peImageBufferMode the mode
+ */
+CAM_API_STATUS GetCamImageBufferMode(CAM_HANDLE hCam, CAM_IMAGE_BUFFER_MODE_TYPE *peImageBufferMode);
+
+/**
+ * Chooses whether the camera holds its images. Refused while streaming.
+ * @param hCam the camera
+ * @param eImageBufferMode one of ::CAM_IMAGE_BUFFER_MODE_TYPE
+ */
+CAM_API_STATUS SetCamImageBufferMode(CAM_HANDLE hCam, CAM_IMAGE_BUFFER_MODE_TYPE eImageBufferMode);
+
+/**
+ * Images that the camera holds. Block 0x203080; node ImageBufferFrameCount.
+ * @param hCam the camera
+ * @param[out] puiImageBufferFrameCount number of images
+ */
+CAM_API_STATUS GetCamImageBufferFrameCount(CAM_HANDLE hCam, uint32_t *puiImageBufferFrameCount);
+
+/**
+ * Sends an image that the camera holds. Block 0x203020; command ImageBufferRead, for whose end is waited briefly.
+ * @param hCam the camera
+ */
+CAM_API_STATUS ExecuteCamImageBufferRead(CAM_HANDLE hCam);
+
+/** @} */
+
+/**
+ * @name Trigger
+ * @{
+ */
+
+/**
+ * Whether exposures wait for a trigger. Block 0x207020; node TriggerMode, an enumeration of Off and On or a boolean.
+ * @param hCam the camera
+ * @param[out] pbTriggerMode true: they wait
+ */
+CAM_API_STATUS GetCamTriggerMode(CAM_HANDLE hCam, bool *pbTriggerMode);
+
+/**
+ * Chooses whether exposures wait for a trigger. Allowed while streaming.
+ * @param hCam the camera
+ * @param bTriggerMode true: they wait
+ */
+CAM_API_STATUS SetCamTriggerMode(CAM_HANDLE hCam, bool bTriggerMode);
+
+/** What a trigger starts. */
+CAM_ENUM(CAM_TRIGGER_SEQUENCE_TYPE){
+    CAM_TRIGGER_SEQUENCE_0 = 0, /**< One image with the exposure time set. */
+    CAM_TRIGGER_SEQUENCE_1 = 1, /**< One image, exposed as long as the trigger lasts. */
+    CAM_TRIGGER_SEQUENCE_6 = 6  /**< A burst of images; see SetCamTriggerAdditionalParameter(). */
+};
+
+/**
+ * What a trigger starts. Block 0x207040; nodes ExposureMode (else TriggerSequence) and TriggerSelector.
+ * @param hCam the camera
+ * @param[out] peTriggerSequence the sequence
+ */
+CAM_API_STATUS GetCamTriggerSequence(CAM_HANDLE hCam, CAM_TRIGGER_SEQUENCE_TYPE *peTriggerSequence);
+
+/**
+ * Chooses what a trigger starts. On the node road a value that is not in ::CAM_TRIGGER_SEQUENCE_TYPE is taken as
+ * #CAM_TRIGGER_SEQUENCE_0. Allowed while streaming.
+ * @param hCam the camera
+ * @param eTriggerSequence one of ::CAM_TRIGGER_SEQUENCE_TYPE
+ */
+CAM_API_STATUS SetCamTriggerSequence(CAM_HANDLE hCam, CAM_TRIGGER_SEQUENCE_TYPE eTriggerSequence);
+
+/** Where a trigger comes from. Through registers every line may be given: its number, 0 to 31. */
+CAM_ENUM(CAM_TRIGGER_SOURCE_TYPE){
+    CAM_TRIGGER_SOURCE_LINE0 = 0x00,   /**< Line 0. */
+    CAM_TRIGGER_SOURCE_LINE1 = 0x01,   /**< Line 1; registers only. */
+    CAM_TRIGGER_SOURCE_LINE2 = 0x02,   /**< Line 2; registers only. */
+    CAM_TRIGGER_SOURCE_SOFTWARE = 0x40 /**< ExecuteCamSoftwareTrigger(). */
+};
+
+/**
+ * Where a trigger comes from. Block 0x207060; node TriggerSource.
+ * @param hCam the camera
+ * @param[out] peTriggerSource the source
+ */
+CAM_API_STATUS GetCamTriggerSource(CAM_HANDLE hCam, CAM_TRIGGER_SOURCE_TYPE *peTriggerSource);
+
+/**
+ * Chooses where a trigger comes from. Allowed while streaming.
+ * @param hCam the camera
+ * @param eTriggerSource a line's number or #CAM_TRIGGER_SOURCE_SOFTWARE; on the node road only
+ * #CAM_TRIGGER_SOURCE_LINE0 and #CAM_TRIGGER_SOURCE_SOFTWARE
+ */
+CAM_API_STATUS SetCamTriggerSource(CAM_HANDLE hCam, CAM_TRIGGER_SOURCE_TYPE eTriggerSource);
+
+/**
+ * Limits of Get/SetCamTriggerAdditionalParameter().
+ * @param hCam the camera
+ * @param[out] puiMin least value
+ * @param[out] puiMax greatest value
+ */
+CAM_API_STATUS GetCamTriggerAdditionalParameterMinMax(CAM_HANDLE hCam, uint32_t *puiMin, uint32_t *puiMax);
+
+/**
+ * Parameter of the trigger sequence: the images of a burst. Block 0x207080; node AcquisitionBurstFrameCount.
+ * @param hCam the camera
+ * @param[out] puiValue number of images
+ */
+CAM_API_STATUS GetCamTriggerAdditionalParameter(CAM_HANDLE hCam, uint32_t *puiValue);
+
+/**
+ * Sets what GetCamTriggerAdditionalParameter() reads. Allowed while streaming.
+ * @param hCam the camera
+ * @param uiValue within GetCamTriggerAdditionalParameterMinMax()
+ */
+CAM_API_STATUS SetCamTriggerAdditionalParameter(CAM_HANDLE hCam, uint32_t uiValue);
+
+/**
+ * Limits of Get/SetCamTriggerDelay().
+ * @param hCam the camera
+ * @param[out] pdTriggerDelayMin least value, microseconds
+ * @param[out] pdTriggerDelayMax greatest value, microseconds
+ */
+CAM_API_STATUS GetCamTriggerDelayMinMax(CAM_HANDLE hCam, double *pdTriggerDelayMin, double *pdTriggerDelayMax);
+
+/**
+ * Time from a trigger to what it starts. Block 0x2070A0, which counts seconds; node TriggerDelay.
+ * @param hCam the camera
+ * @param[out] pdTriggerDelay microseconds
+ */
+CAM_API_STATUS GetCamTriggerDelay(CAM_HANDLE hCam, double *pdTriggerDelay);
+
+/**
+ * Sets what GetCamTriggerDelay() reads, rounded to what the camera can do. Allowed while streaming.
+ * @param hCam the camera
+ * @param dTriggerDelay microseconds, within GetCamTriggerDelayMinMax()
+ * @retval CAM_API_STS_INVALID_PARAMETER outside the limits
+ */
+CAM_API_STATUS SetCamTriggerDelay(CAM_HANDLE hCam, double dTriggerDelay);
+
+/** The edge of a line that is a trigger. */
+CAM_ENUM(CAM_TRIGGER_ACTIVATION_TYPE){
+    CAM_TRIGGER_ACTIVATION_FALLING_EDGE = 0, /**< From high to low. */
+    CAM_TRIGGER_ACTIVATION_RISING_EDGE = 1   /**< From low to high. */
+};
+
+/**
+ * The edge that is a trigger. Node TriggerActivation on every camera.
+ * @param hCam the camera
+ * @param[out] peTriggerActivation the edge
+ */
+CAM_API_STATUS GetCamTriggerActivation(CAM_HANDLE hCam, CAM_TRIGGER_ACTIVATION_TYPE *peTriggerActivation);
+
+/**
+ * Chooses the edge that is a trigger. Allowed while streaming.
+ * @param hCam the camera
+ * @param eTriggerActivation one of ::CAM_TRIGGER_ACTIVATION_TYPE
+ */
+CAM_API_STATUS SetCamTriggerActivation(CAM_HANDLE hCam, CAM_TRIGGER_ACTIVATION_TYPE eTriggerActivation);
+
+/**
+ * Triggers. Block 0x2070C0; command TriggerSoftware, for whose end is waited briefly.
+ * @param hCam the camera
+ */
+CAM_API_STATUS ExecuteCamSoftwareTrigger(CAM_HANDLE hCam);
+
+/** @} */
+
+/**
+ * @name Exposure
+ * @{
+ */
+
+/** Who decides on the exposure time. */
+CAM_ENUM(CAM_EXPOSURE_TIME_CONTROL_TYPE){
+    CAM_EXPOSURE_TIME_CONTROL_NO_SPECIFY = 0, /**< The camera, as its frame rate demands. Registers only. */
+    CAM_EXPOSURE_TIME_CONTROL_MANUAL = 1,     /**< SetCamExposureTime(). */
+    CAM_EXPOSURE_TIME_CONTROL_AUTO = 2        /**< The camera, as the picture demands. */
+};
+
+/**
+ * Who decides on the exposure time. Mode word of block 0x204020; node ExposureAuto, else ExposureTimeControl.
+ * @param hCam the camera
+ * @param[out] peExposureTimeControl the mode
+ */
+CAM_API_STATUS GetCamExposureTimeControl(CAM_HANDLE hCam, CAM_EXPOSURE_TIME_CONTROL_TYPE *peExposureTimeControl);
+
+/**
+ * Chooses who decides on the exposure time. Allowed while streaming.
+ * @param hCam the camera
+ * @param eExposureTimeControl one of ::CAM_EXPOSURE_TIME_CONTROL_TYPE
+ * @retval CAM_API_STS_NOT_AVAILABLE #CAM_EXPOSURE_TIME_CONTROL_NO_SPECIFY on the node road
+ */
+CAM_API_STATUS SetCamExposureTimeControl(CAM_HANDLE hCam, CAM_EXPOSURE_TIME_CONTROL_TYPE eExposureTimeControl);
+
+/**
+ * Limits of Get/SetCamExposureTime().
+ * @param hCam the camera
+ * @param[out] pdExposureTimeMin least value, microseconds
+ * @param[out] pdExposureTimeMax greatest value, microseconds
+ */
+CAM_API_STATUS GetCamExposureTimeMinMax(CAM_HANDLE hCam, double *pdExposureTimeMin, double *pdExposureTimeMax);
+
+/**
+ * Exposure time. Block 0x204020, which counts seconds; node ExposureTime.
+ * @param hCam the camera
+ * @param[out] pdExposureTime microseconds
+ */
+CAM_API_STATUS GetCamExposureTime(CAM_HANDLE hCam, double *pdExposureTime);
+
+/**
+ * Sets what GetCamExposureTime() reads, rounded to what the camera can do. Allowed while streaming.
+ * @param hCam the camera
+ * @param dExposureTime microseconds, within GetCamExposureTimeMinMax()
+ * @retval CAM_API_STS_INVALID_PARAMETER outside the limits
+ */
+CAM_API_STATUS SetCamExposureTime(CAM_HANDLE hCam, double dExposureTime);
+
+/** @} */
+
+/**
+ * @name Digital lines
+ * In a word for all lines bit i is line i.
+ * @{
+ */
+
+/**
+ * Directions of the lines. Block 0x209020; no node.
+ * @param hCam the camera
+ * @param[out] puiValue 1: an output
+ */
+CAM_API_STATUS GetCamLineModeAll(CAM_HANDLE hCam, uint32_t *puiValue);
+
+/**
+ * Which lines are inverted. Block 0x209040; no node.
+ * @param hCam the camera
+ * @param[out] puiValue 1: inverted
+ */
+CAM_API_STATUS GetCamLineInverterAll(CAM_HANDLE hCam, uint32_t *puiValue);
+
+/**
+ * Inverts lines. Block 0x209040; node LineInverter of lines 0 to 2. Bits of lines that the camera lacks, or that can
+ * never be inverted, are dropped. Allowed while streaming.
+ * @param hCam the camera
+ * @param uiValue 1: inverted
+ * @retval CAM_API_STS_INVALID_PARAMETER a line that cannot be inverted now is to be (node road; the lines before it
+ * stay set)
+ */
+CAM_API_STATUS SetCamLineInverterAll(CAM_HANDLE hCam, uint32_t uiValue);
+
+/**
+ * Levels of the lines. Block 0x209060; node LineStatusAll.
+ * @param hCam the camera
+ * @param[out] puiValue 1: high
+ */
+CAM_API_STATUS GetCamLineStatusAll(CAM_HANDLE hCam, uint32_t *puiValue);
+
+/**
+ * Values of the user outputs. Block 0x209080; node GetCamUserOutputValueAll.
+ * @param hCam the camera
+ * @param[out] puiValue 1: high
+ */
+CAM_API_STATUS GetCamUserOutputValueAll(CAM_HANDLE hCam, uint32_t *puiValue);
+
+/**
+ * Sets the user outputs. Block 0x209080, where bits of lines that the camera lacks are dropped; node
+ * UserOutputValueAll. Allowed while streaming.
+ * @param hCam the camera
+ * @param uiValue 1: high
+ */
+CAM_API_STATUS SetCamUserOutputValueAll(CAM_HANDLE hCam, uint32_t uiValue);
+
+/** A line. Through registers every line may be given: its number, 0 to 31. */
+CAM_ENUM(CAM_LINE_SELECTOR_TYPE){
+    CAM_LINE_SELECTOR_LINE0 = 0, /**< Line 0. */
+    CAM_LINE_SELECTOR_LINE1 = 1, /**< Line 1. */
+    CAM_LINE_SELECTOR_LINE2 = 2  /**< Line 2. */
+};
+
+/** What an output line shows. */
+CAM_ENUM(CAM_LINE_SOURCE_TYPE){
+    CAM_LINE_SOURCE_OFF = 0,                     /**< Nothing. */
+    CAM_LINE_SOURCE_VD = 17,                     /**< Vertical synchronisation. */
+    CAM_LINE_SOURCE_USER_OUTPUT = 32,            /**< SetCamUserOutputValueAll(). */
+    CAM_LINE_SOURCE_TIMER0_ACTIVE = 64,          /**< Timer 0 runs. */
+    CAM_LINE_SOURCE_ACQUISITION_ACTIVE = 99,     /**< An acquisition runs. */
+    CAM_LINE_SOURCE_FRAME_TRIGGER_WAIT = 106,    /**< A trigger would start an image. */
+    CAM_LINE_SOURCE_FRAME_ACTIVE = 107,          /**< An image is taken. */
+    CAM_LINE_SOURCE_FRAME_TRANSFER_ACTIVE = 115, /**< An image is sent. */
+    CAM_LINE_SOURCE_EXPOSURE_ACTIVE = 123        /**< The sensor is exposed. */
+};
+
+/**
+ * What an output line shows. Blocks 0x2090A0 (selects the line) and 0x2090C0; nodes LineSelector and LineSource.
+ * @param hCam the camera
+ * @param eLineSelector the line; on the node road one of ::CAM_LINE_SELECTOR_TYPE
+ * @param[out] peLineSource the source
+ */
+CAM_API_STATUS GetCamLineSource(CAM_HANDLE hCam, CAM_LINE_SELECTOR_TYPE eLineSelector,
+                                CAM_LINE_SOURCE_TYPE *peLineSource);
+
+/**
+ * Chooses what an output line shows. Allowed while streaming.
+ * @param hCam the camera
+ * @param eLineSelector as for GetCamLineSource()
+ * @param eLineSource one of ::CAM_LINE_SOURCE_TYPE
+ */
+CAM_API_STATUS SetCamLineSource(CAM_HANDLE hCam, CAM_LINE_SELECTOR_TYPE eLineSelector,
+                                CAM_LINE_SOURCE_TYPE eLineSource);
+
+/** @} */
+
+/**
+ * @name Timer
+ * No function selects a timer: these act on the one that the camera has selected.
+ * @{
+ */
+
+/**
+ * Limits of Get/SetCamTimerDuration().
+ * @param hCam the camera
+ * @param[out] pdTimerDurationMin least value, microseconds
+ * @param[out] pdTimerDurationMax greatest value, microseconds
+ */
+CAM_API_STATUS GetCamTimerDurationMinMax(CAM_HANDLE hCam, double *pdTimerDurationMin, double *pdTimerDurationMax);
+
+/**
+ * Length of the timer's pulse. Block 0x20A060, which counts seconds; node TimerDuration.
+ * @param hCam the camera
+ * @param[out] pdTimerDuration microseconds
+ */
+CAM_API_STATUS GetCamTimerDuration(CAM_HANDLE hCam, double *pdTimerDuration);
+
+/**
+ * Sets what GetCamTimerDuration() reads, rounded to what the camera can do. Allowed while streaming.
+ * @param hCam the camera
+ * @param dTimerDuration microseconds, within GetCamTimerDurationMinMax()
+ * @retval CAM_API_STS_INVALID_PARAMETER outside the limits
+ */
+CAM_API_STATUS SetCamTimerDuration(CAM_HANDLE hCam, double dTimerDuration);
+
+/**
+ * Limits of Get/SetCamTimerDelay().
+ * @param hCam the camera
+ * @param[out] pdTimerDelayMin least value, microseconds
+ * @param[out] pdTimerDelayMax greatest value, microseconds
+ */
+CAM_API_STATUS GetCamTimerDelayMinMax(CAM_HANDLE hCam, double *pdTimerDelayMin, double *pdTimerDelayMax);
+
+/**
+ * Time from what starts the timer to its pulse. Block 0x20A040, which counts seconds; node TimerDelay.
+ * @param hCam the camera
+ * @param[out] pdTimerDelay microseconds
+ */
+CAM_API_STATUS GetCamTimerDelay(CAM_HANDLE hCam, double *pdTimerDelay);
+
+/**
+ * Sets what GetCamTimerDelay() reads, rounded to what the camera can do. Allowed while streaming.
+ * @param hCam the camera
+ * @param dTimerDelay microseconds, within GetCamTimerDelayMinMax()
+ * @retval CAM_API_STS_INVALID_PARAMETER outside the limits
+ */
+CAM_API_STATUS SetCamTimerDelay(CAM_HANDLE hCam, double dTimerDelay);
+
+/** What starts a timer. */
+CAM_ENUM(CAM_TIMER_TRIGGER_SOURCE_TYPE){
+    CAM_TIMER_TRIGGER_SOURCE_OFF = 0,              /**< Nothing. */
+    CAM_TIMER_TRIGGER_SOURCE_LINE0_ACTIVE = 32,    /**< Line 0. */
+    CAM_TIMER_TRIGGER_SOURCE_FRAME_TRIGGER = 104,  /**< A trigger of an image. */
+    CAM_TIMER_TRIGGER_SOURCE_EXPOSURE_START = 124, /**< The start of an exposure. */
+    CAM_TIMER_TRIGGER_SOURCE_EXPOSURE_END = 125    /**< The end of an exposure. */
+};
+
+/**
+ * What starts the timer. Block 0x21F260; node TimerTriggerSource.
+ * @param hCam the camera
+ * @param[out] peTimerTriggerSource the source
+ */
+CAM_API_STATUS GetCamTimerTriggerSource(CAM_HANDLE hCam, CAM_TIMER_TRIGGER_SOURCE_TYPE *peTimerTriggerSource);
+
+/**
+ * Chooses what starts the timer. Allowed while streaming.
+ * @param hCam the camera
+ * @param eTimerTriggerSource one of ::CAM_TIMER_TRIGGER_SOURCE_TYPE
+ */
+CAM_API_STATUS SetCamTimerTriggerSource(CAM_HANDLE hCam, CAM_TIMER_TRIGGER_SOURCE_TYPE eTimerTriggerSource);
+
+/** @} */
+
+/**
+ * @name Gain and levels
+ * Values are in the camera's own unit.
+ * @{
+ */
+
+/**
+ * Limits of Get/SetCamGain().
+ * @param hCam the camera
+ * @param[out] pdGainMin least value, the camera's unit
+ * @param[out] pdGainMax greatest value, the camera's unit
+ */
+CAM_API_STATUS GetCamGainMinMax(CAM_HANDLE hCam, double *pdGainMin, double *pdGainMax);
+
+/**
+ * Gain. Block 0x204060; node Gain.
+ * @param hCam the camera
+ * @param[out] pdGain the camera's unit
+ */
+CAM_API_STATUS GetCamGain(CAM_HANDLE hCam, double *pdGain);
+
+/**
+ * Sets what GetCamGain() reads, rounded to what the camera can do. Allowed while streaming.
+ * @param hCam the camera
+ * @param dGain the camera's unit, within GetCamGainMinMax()
+ * @retval CAM_API_STS_INVALID_PARAMETER outside the limits
+ */
+CAM_API_STATUS SetCamGain(CAM_HANDLE hCam, double dGain);
+
+/** Who decides on the gain. */
+CAM_ENUM(CAM_GAIN_AUTO_TYPE){
+    CAM_GAIN_AUTO_OFF = 1,       /**< SetCamGain(). */
+    CAM_GAIN_AUTO_CONTINUOUS = 2 /**< The camera, as the picture demands. */
+};
+
+/**
+ * Who decides on the gain. Mode word of block 0x204060; node GainAuto.
+ * @param hCam the camera
+ * @param[out] peGainAuto the mode
+ */
+CAM_API_STATUS GetCamGainAuto(CAM_HANDLE hCam, CAM_GAIN_AUTO_TYPE *peGainAuto);
+
+/**
+ * Chooses who decides on the gain. On the node road the result is 0 even when the node refuses or the mode does not
+ * exist. Allowed while streaming.
+ * @param hCam the camera
+ * @param eGainAuto one of ::CAM_GAIN_AUTO_TYPE
+ */
+CAM_API_STATUS SetCamGainAuto(CAM_HANDLE hCam, CAM_GAIN_AUTO_TYPE eGainAuto);
+
+/**
+ * Limits of Get/SetCamBlackLevel().
+ * @param hCam the camera
+ * @param[out] pdBlackLevelMin least value, the camera's unit
+ * @param[out] pdBlackLevelMax greatest value, the camera's unit
+ */
+CAM_API_STATUS GetCamBlackLevelMinMax(CAM_HANDLE hCam, double *pdBlackLevelMin, double *pdBlackLevelMax);
+
+/**
+ * Black level. Block 0x204040; node BlackLevel.
+ * @param hCam the camera
+ * @param[out] pdBlackLevel the camera's unit
+ */
+CAM_API_STATUS GetCamBlackLevel(CAM_HANDLE hCam, double *pdBlackLevel);
+
+/**
+ * Sets what GetCamBlackLevel() reads, rounded to what the camera can do. Allowed while streaming.
+ * @param hCam the camera
+ * @param dBlackLevel the camera's unit, within GetCamBlackLevelMinMax()
+ * @retval CAM_API_STS_INVALID_PARAMETER outside the limits
+ */
+CAM_API_STATUS SetCamBlackLevel(CAM_HANDLE hCam, double dBlackLevel);
+
+/**
+ * Limits of Get/SetCamGamma().
+ * @param hCam the camera
+ * @param[out] pdGammaMin least value, the camera's unit
+ * @param[out] pdGammaMax greatest value, the camera's unit
+ */
+CAM_API_STATUS GetCamGammaMinMax(CAM_HANDLE hCam, double *pdGammaMin, double *pdGammaMax);
+
+/**
+ * Gamma. Block 0x204080; node Gamma.
+ * @param hCam the camera
+ * @param[out] pdGamma the camera's unit
+ */
+CAM_API_STATUS GetCamGamma(CAM_HANDLE hCam, double *pdGamma);
+
+/**
+ * Sets what GetCamGamma() reads, rounded to what the camera can do. Allowed while streaming.
+ * @param hCam the camera
+ * @param dGamma the camera's unit, within GetCamGammaMinMax()
+ * @retval CAM_API_STS_INVALID_PARAMETER outside the limits
+ */
+CAM_API_STATUS SetCamGamma(CAM_HANDLE hCam, double dGamma);
+
+/**
+ * Limits of Get/SetCamSharpness().
+ * @param hCam the camera
+ * @param[out] puiSharpnessMin least value
+ * @param[out] puiSharpnessMax greatest value
+ */
+CAM_API_STATUS GetCamSharpnessMinMax(CAM_HANDLE hCam, uint32_t *puiSharpnessMin, uint32_t *puiSharpnessMax);
+
+/**
+ * Sharpness. Block 0x2040A0; node Sharpness.
+ * @param hCam the camera
+ * @param[out] puiSharpness the camera's unit
+ */
+CAM_API_STATUS GetCamSharpness(CAM_HANDLE hCam, uint32_t *puiSharpness);
+
+/**
+ * Sets what GetCamSharpness() reads. Allowed while streaming.
+ * @param hCam the camera
+ * @param uiSharpness within GetCamSharpnessMinMax()
+ */
+CAM_API_STATUS SetCamSharpness(CAM_HANDLE hCam, uint32_t uiSharpness);
+
+/** @} */
+
+/**
+ * @name Colour
+ * @{
+ */
+
+/**
+ * Limits of Get/SetCamHue().
+ * @param hCam the camera
+ * @param[out] pdHueMin least value, the camera's unit
+ * @param[out] pdHueMax greatest value, the camera's unit
+ */
+CAM_API_STATUS GetCamHueMinMax(CAM_HANDLE hCam, double *pdHueMin, double *pdHueMax);
+
+/**
+ * Hue. Block 0x205020; node Hue.
+ * @param hCam the camera
+ * @param[out] pdHue the camera's unit
+ */
+CAM_API_STATUS GetCamHue(CAM_HANDLE hCam, double *pdHue);
+
+/**
+ * Sets what GetCamHue() reads, rounded to what the camera can do. Allowed while streaming.
+ * @param hCam the camera
+ * @param dHue the camera's unit, within GetCamHueMinMax()
+ * @retval CAM_API_STS_INVALID_PARAMETER outside the limits
+ */
+CAM_API_STATUS SetCamHue(CAM_HANDLE hCam, double dHue);
+
+/**
+ * Limits of Get/SetCamSaturation().
+ * @param hCam the camera
+ * @param[out] pdSaturationMin least value, the camera's unit
+ * @param[out] pdSaturationMax greatest value, the camera's unit
+ */
+CAM_API_STATUS GetCamSaturationMinMax(CAM_HANDLE hCam, double *pdSaturationMin, double *pdSaturationMax);
+
+/**
+ * Saturation. Block 0x205040; node Saturation.
+ * @param hCam the camera
+ * @param[out] pdSaturation the camera's unit
+ */
+CAM_API_STATUS GetCamSaturation(CAM_HANDLE hCam, double *pdSaturation);
+
+/**
+ * Sets what GetCamSaturation() reads, rounded to what the camera can do. Allowed while streaming.
+ * @param hCam the camera
+ * @param dSaturation the camera's unit, within GetCamSaturationMinMax()
+ * @retval CAM_API_STS_INVALID_PARAMETER outside the limits
+ */
+CAM_API_STATUS SetCamSaturation(CAM_HANDLE hCam, double dSaturation);
+
+/** A colour whose ratio to green can be set. */
+CAM_ENUM(CAM_BALANCE_RATIO_SELECTOR_TYPE){
+    CAM_BALANCE_RATIO_SELECTOR_RED = 1, /**< Red. */
+    CAM_BALANCE_RATIO_SELECTOR_BLUE = 2 /**< Blue. */
+};
+
+/**
+ * Limits of Get/SetCamBalanceRatio().
+ * @param hCam the camera
+ * @param eSelector one of ::CAM_BALANCE_RATIO_SELECTOR_TYPE
+ * @param[out] pdBalanceRatioMin least ratio
+ * @param[out] pdBalanceRatioMax greatest ratio
+ */
+CAM_API_STATUS GetCamBalanceRatioMinMax(CAM_HANDLE hCam, CAM_BALANCE_RATIO_SELECTOR_TYPE eSelector,
+                                        double *pdBalanceRatioMin, double *pdBalanceRatioMax);
+
+/**
+ * White balance of a colour. Nodes BalanceRatioSelector (Red or R, Blue or B) and BalanceRatio on every camera.
+ * @param hCam the camera
+ * @param eSelector one of ::CAM_BALANCE_RATIO_SELECTOR_TYPE
+ * @param[out] pdBalanceRatio its ratio
+ */
+CAM_API_STATUS GetCamBalanceRatio(CAM_HANDLE hCam, CAM_BALANCE_RATIO_SELECTOR_TYPE eSelector, double *pdBalanceRatio);
+
+/**
+ * Sets what GetCamBalanceRatio() reads. Allowed while streaming.
+ * @param hCam the camera
+ * @param eSelector one of ::CAM_BALANCE_RATIO_SELECTOR_TYPE
+ * @param dBalanceRatio within GetCamBalanceRatioMinMax()
+ */
+CAM_API_STATUS SetCamBalanceRatio(CAM_HANDLE hCam, CAM_BALANCE_RATIO_SELECTOR_TYPE eSelector, double dBalanceRatio);
+
+/** Who decides on the white balance. */
+CAM_ENUM(CAM_BALANCE_WHITE_AUTO_TYPE){
+    CAM_BALANCE_WHITE_AUTO_OFF = 1, /**< SetCamBalanceRatio(). */
+    CAM_BALANCE_WHITE_AUTO_ONCE = 3 /**< The camera, once, by the picture; then off again. */
+};
+
+/**
+ * Who decides on the white balance. Node BalanceWhiteAuto on every camera.
+ * @param hCam the camera
+ * @param[out] peBalanceWhiteAuto the mode
+ */
+CAM_API_STATUS GetCamBalanceWhiteAuto(CAM_HANDLE hCam, CAM_BALANCE_WHITE_AUTO_TYPE *peBalanceWhiteAuto);
+
+/**
+ * Chooses who decides on the white balance. Mode word of block 0x205060; node BalanceWhiteAuto. Allowed while
+ * streaming.
+ * @param hCam the camera
+ * @param eBalanceWhiteAuto one of ::CAM_BALANCE_WHITE_AUTO_TYPE
+ */
+CAM_API_STATUS SetCamBalanceWhiteAuto(CAM_HANDLE hCam, CAM_BALANCE_WHITE_AUTO_TYPE eBalanceWhiteAuto);
+
+/** An element of the colour-correction matrix: output colour, input colour. The diagonal cannot be reached. */
+CAM_ENUM(CAM_COLOR_CORRECTION_MATRIX_TYPE){
+    CAM_COLOR_CORRECTION_MATRIX_RG = 0, /**< Red from green. */
+    CAM_COLOR_CORRECTION_MATRIX_RB = 1, /**< Red from blue. */
+    CAM_COLOR_CORRECTION_MATRIX_GR = 2, /**< Green from red. */
+    CAM_COLOR_CORRECTION_MATRIX_GB = 3, /**< Green from blue. */
+    CAM_COLOR_CORRECTION_MATRIX_BR = 4, /**< Blue from red. */
+    CAM_COLOR_CORRECTION_MATRIX_BG = 5  /**< Blue from green. */
+};
+
+/**
+ * Limits of Get/SetCamColorCorrectionMatrix().
+ * @param hCam the camera
+ * @param eType one of ::CAM_COLOR_CORRECTION_MATRIX_TYPE
+ * @param[out] pdMatrixMin least value
+ * @param[out] pdMatrixMax greatest value
+ */
+CAM_API_STATUS GetCamColorCorrectionMatrixMinMax(CAM_HANDLE hCam, CAM_COLOR_CORRECTION_MATRIX_TYPE eType,
+                                                 double *pdMatrixMin, double *pdMatrixMax);
+
+/**
+ * An element of the colour-correction matrix. Nodes ColorCorrectionMatrixSelectorI, ColorCorrectionMatrixSelectorJ and
+ * ColorCorrectionMatrix on every camera.
+ * @param hCam the camera
+ * @param eType one of ::CAM_COLOR_CORRECTION_MATRIX_TYPE
+ * @param[out] pdMatrix its value
+ */
+CAM_API_STATUS GetCamColorCorrectionMatrix(CAM_HANDLE hCam, CAM_COLOR_CORRECTION_MATRIX_TYPE eType, double *pdMatrix);
+
+/**
+ * Sets what GetCamColorCorrectionMatrix() reads. Allowed while streaming.
+ * @param hCam the camera
+ * @param eType one of ::CAM_COLOR_CORRECTION_MATRIX_TYPE
+ * @param dMatrix within GetCamColorCorrectionMatrixMinMax()
+ */
+CAM_API_STATUS SetCamColorCorrectionMatrix(CAM_HANDLE hCam, CAM_COLOR_CORRECTION_MATRIX_TYPE eType, double dMatrix);
+
+/** @} */
+
+/**
+ * @name Look-up table
+ * Nodes on every camera.
+ * @{
+ */
+
+/**
+ * Whether pixels go through the table. Node LUTEnable.
+ * @param hCam the camera
+ * @param[out] pbEnable true: they do
+ */
+CAM_API_STATUS GetCamLutEnable(CAM_HANDLE hCam, bool *pbEnable);
+
+/**
+ * Sends pixels through the table. Allowed while streaming.
+ * @param hCam the camera
+ * @param bEnable true: they go through it
+ */
+CAM_API_STATUS SetCamLutEnable(CAM_HANDLE hCam, bool bEnable);
+
+/**
+ * An entry of the table. Nodes LUTIndex and LUTValue, else LUTEntry. When both fail the status is LUTValue's.
+ * @param hCam the camera
+ * @param uiLutIndex the pixel's value before, within the limits of LUTIndex
+ * @param[out] puiLutValue the pixel's value behind
+ */
+CAM_API_STATUS GetCamLutValue(CAM_HANDLE hCam, uint32_t uiLutIndex, uint32_t *puiLutValue);
+
+/**
+ * Sets what GetCamLutValue() reads. Allowed while streaming.
+ * @param hCam the camera
+ * @param uiLutIndex as for GetCamLutValue()
+ * @param uiLutValue within the limits of the node
+ */
+CAM_API_STATUS SetCamLutValue(CAM_HANDLE hCam, uint32_t uiLutIndex, uint32_t uiLutValue);
+
+/** @} */
+
+/**
+ * @name User sets
+ * Nodes on every camera. After its command each function waits for UserSetDone, for half a second at most; that the
+ * camera does not report it is no failure.
+ * @{
+ */
+
+/** A set of settings that the camera keeps. */
+CAM_ENUM(CAM_USER_SET_SELECTOR_TYPE){
+    CAM_USER_SET_SELECTOR_DEFAULT = 0,    /**< The factory set; cannot be saved. */
+    CAM_USER_SET_SELECTOR_USER_SET1 = 1,  /**< User set 1; the others follow, up to 15. */
+    CAM_USER_SET_SELECTOR_USER_SET15 = 15 /**< User set 15. */
+};
+
+/**
+ * Loads a set. Nodes UserSetSelector (Default, UserSet1 ...) and UserSetLoad.
+ * @param hCam the camera
+ * @param eSelector 0 to 15; see ::CAM_USER_SET_SELECTOR_TYPE
+ */
+CAM_API_STATUS ExecuteCamUserSetLoad(CAM_HANDLE hCam, CAM_USER_SET_SELECTOR_TYPE eSelector);
+
+/**
+ * Saves the present settings as a set. Nodes UserSetSelector and UserSetSave.
+ * @param hCam the camera
+ * @param eSelector 0 to 15; see ::CAM_USER_SET_SELECTOR_TYPE
+ */
+CAM_API_STATUS ExecuteCamUserSetSave(CAM_HANDLE hCam, CAM_USER_SET_SELECTOR_TYPE eSelector);
+
+/**
+ * Saves the present settings as a set with which the camera starts from then on. Nodes UserSetSelector, UserSetDefault
+ * and UserSetSave. With #CAM_USER_SET_SELECTOR_DEFAULT the camera starts with the factory set, and loads it now: the
+ * present settings are lost.
+ * @param hCam the camera
+ * @param eSelector 0 to 15; see ::CAM_USER_SET_SELECTOR_TYPE
+ */
+CAM_API_STATUS ExecuteCamUserSetSaveAndSetDefault(CAM_HANDLE hCam, CAM_USER_SET_SELECTOR_TYPE eSelector);
+
+/** @} */
+
+/**
+ * @name Frame synchronisation
+ * Nodes on every camera.
+ * @{
+ */
+
+/** What the camera's frames keep time with. */
+CAM_ENUM(CAM_FRAME_SYNCHRONIZATION_TYPE){
+    CAM_FRAME_SYNCHRONIZATION_OFF = 0, /**< The camera's own clock. */
+    CAM_FRAME_SYNCHRONIZATION_BUS = 1  /**< The bus. */
+};
+
+/**
+ * What the frames keep time with. Node FrameSynchronization.
+ * @param hCam the camera
+ * @param[out] peSync the source
+ */
+CAM_API_STATUS GetCamFrameSynchronization(CAM_HANDLE hCam, CAM_FRAME_SYNCHRONIZATION_TYPE *peSync);
+
+/**
+ * Chooses what the frames keep time with.
+ * @param hCam the camera
+ * @param eSync one of ::CAM_FRAME_SYNCHRONIZATION_TYPE
+ */
+CAM_API_STATUS SetCamFrameSynchronization(CAM_HANDLE hCam, CAM_FRAME_SYNCHRONIZATION_TYPE eSync);
+
+/** @} */
+
+/**
+ * @name Defective-pixel correction
+ * Nodes on every camera.
+ * @{
+ */
+
+/**
+ * Whether defective pixels are corrected. Node DPCEnable.
+ * @param hCam the camera
+ * @param[out] pbEnable true: they are
+ */
+CAM_API_STATUS GetCamDpcEnable(CAM_HANDLE hCam, bool *pbEnable);
+
+/**
+ * Switches the correction.
+ * @param hCam the camera
+ * @param bEnable true: on
+ */
+CAM_API_STATUS SetCamDpcEnable(CAM_HANDLE hCam, bool bEnable);
+
+/**
+ * Number of defective pixels in the list. Node DPCNumber.
+ * @param hCam the camera
+ * @param[out] puiNumber number of pixels
+ */
+CAM_API_STATUS GetCamDpcNumber(CAM_HANDLE hCam, uint32_t *puiNumber);
+
+/**
+ * Sets the number of defective pixels in the list.
+ * @param hCam the camera
+ * @param uiNumber within the limits of the node
+ */
+CAM_API_STATUS SetCamDpcNumber(CAM_HANDLE hCam, uint32_t uiNumber);
+
+/**
+ * Position of a defective pixel. Nodes DPCIndex, DPCEntryX and DPCEntryY.
+ * @param hCam the camera
+ * @param uiDpcIndex place in the list, within the limits of DPCIndex
+ * @param[out] puiEntryX column on the sensor
+ * @param[out] puiEntryY line on the sensor
+ */
+CAM_API_STATUS GetCamDpcPosition(CAM_HANDLE hCam, uint32_t uiDpcIndex, uint32_t *puiEntryX, uint32_t *puiEntryY);
+
+/**
+ * Sets the position of a defective pixel. Selects through the node LUTIndex, not DPCIndex; then DPCEntryX and
+ * DPCEntryY.
+ * @param hCam the camera
+ * @param uiDpcIndex within the limits of LUTIndex
+ * @param uiEntryX column on the sensor
+ * @param uiEntryY line on the sensor
+ */
+CAM_API_STATUS SetCamDpcPosition(CAM_HANDLE hCam, uint32_t uiDpcIndex, uint32_t uiEntryX, uint32_t uiEntryY);
+
+/** @} */
+
+/**
+ * @name Sequential shutter
+ * A list of exposure settings that the camera runs through image by image. Nodes on every camera.
+ * @{
+ */
+
+/**
+ * Whether the camera runs through the list. Node SequentialShutterEnable.
+ * @param hCam the camera
+ * @param[out] pbEnable true: it does
+ */
+CAM_API_STATUS GetCamSequentialShutterEnable(CAM_HANDLE hCam, bool *pbEnable);
+
+/**
+ * Switches the sequential shutter.
+ * @param hCam the camera
+ * @param bEnable true: on
+ */
+CAM_API_STATUS SetCamSequentialShutterEnable(CAM_HANDLE hCam, bool bEnable);
+
+/**
+ * Limits of Get/SetCamSequentialShutterTerminateAt().
+ * @param hCam the camera
+ * @param[out] puiMin least value
+ * @param[out] puiMax greatest value
+ */
+CAM_API_STATUS GetCamSequentialShutterTerminateAtMinMax(CAM_HANDLE hCam, uint32_t *puiMin, uint32_t *puiMax);
+
+/**
+ * Last place of the list that is used. Node SequentialShutterTerminateAt.
+ * @param hCam the camera
+ * @param[out] puiValue the place
+ */
+CAM_API_STATUS GetCamSequentialShutterTerminateAt(CAM_HANDLE hCam, uint32_t *puiValue);
+
+/**
+ * Sets what GetCamSequentialShutterTerminateAt() reads.
+ * @param hCam the camera
+ * @param uiValue within GetCamSequentialShutterTerminateAtMinMax()
+ */
+CAM_API_STATUS SetCamSequentialShutterTerminateAt(CAM_HANDLE hCam, uint32_t uiValue);
+
+/**
+ * Limits of a place in the list. Node SequentialShutterIndex.
+ * @param hCam the camera
+ * @param[out] puiMin first place
+ * @param[out] puiMax last place
+ */
+CAM_API_STATUS GetCamSequentialShutterIndexMinMax(CAM_HANDLE hCam, uint32_t *puiMin, uint32_t *puiMax);
+
+/**
+ * Limits of an entry of the list. Node SequentialShutterEntry.
+ * @param hCam the camera
+ * @param[out] puiMin least value
+ * @param[out] puiMax greatest value
+ */
+CAM_API_STATUS GetCamSequentialShutterEntryMinMax(CAM_HANDLE hCam, uint32_t *puiMin, uint32_t *puiMax);
+
+/**
+ * An entry of the list. Nodes SequentialShutterIndex and SequentialShutterEntry.
+ * @param hCam the camera
+ * @param uiIndex place, within GetCamSequentialShutterIndexMinMax()
+ * @param[out] puiEntry as the camera counts it
+ */
+CAM_API_STATUS GetCamSequentialShutterEntry(CAM_HANDLE hCam, uint32_t uiIndex, uint32_t *puiEntry);
+
+/**
+ * Sets what GetCamSequentialShutterEntry() reads.
+ * @param hCam the camera
+ * @param uiIndex place, within GetCamSequentialShutterIndexMinMax()
+ * @param uiEntry within GetCamSequentialShutterEntryMinMax()
+ */
+CAM_API_STATUS SetCamSequentialShutterEntry(CAM_HANDLE hCam, uint32_t uiIndex, uint32_t uiEntry);
+
+/** @} */
+
+/**
+ * @name Device
+ * @{
+ */
+
+/**
+ * Whether settings that matter to the stream are locked. Node TLParamsLocked on every camera.
+ * @param hCam the camera
+ * @param[out] puiValue 0: free, 1: locked
+ */
+CAM_API_STATUS GetCamTLParamsLocked(CAM_HANDLE hCam, uint32_t *puiValue);
+
+/**
+ * The name that users gave the camera. Node UserDefinedName; USB3 Vision cameras only.
+ * @param hCam the camera
+ * @param[out] pszName room for the name; a name of 64 characters fills 64 bytes and has no closing NUL then
+ * @param[in,out] puiSize in: bytes at @p pszName, best 64; out: bytes of the name with its NUL, 64 for a name without
+ * @retval CAM_API_STS_NOT_INITIALIZED comes before all other checks here
+ * @retval CAM_API_STS_BUFFER_TOO_SMALL the name does not fit
+ */
+CAM_API_STATUS GetCamUserDefinedName(CAM_HANDLE hCam, char *pszName, uint32_t *puiSize);
+
+/**
+ * Gives the camera a name. Node UserDefinedName; USB3 Vision cameras only.
+ * @param hCam the camera
+ * @param pszName at most 63 characters
+ * @retval CAM_API_STS_INVALID_PARAMETER @p pszName is null or has 64 characters or more
+ * @retval CAM_API_STS_NOT_INITIALIZED comes before all other checks here
+ */
+CAM_API_STATUS SetCamUserDefinedName(CAM_HANDLE hCam, const char *pszName);
+
+/** @} */
+
 /** @} */
 
 /**

@@ -11,14 +11,34 @@ struct FeatureCamera {
     CAM_HANDLE hCam;
     CAM_TYPE eCamType;
 
-    /// Carries the control-register map; all others are reached by nodes alone.
+    /// Carries the control registers; all others are reached by nodes alone.
     bool HasRegisterMap() const { return eCamType == CAM_TYPE_U3V; }
+};
+
+/// For features that know both kinds of camera and refuse any other.
+template <class FromRegister, class FromNode>
+CAM_API_STATUS TakeRoad(const FeatureCamera &camera, const FromRegister &fromRegister, const FromNode &fromNode)
+{
+    switch (camera.eCamType) {
+    case CAM_TYPE_U3V:
+        return fromRegister();
+    case CAM_TYPE_GEV:
+        return fromNode();
+    default:
+        return CAM_API_STS_INVALID_CAMERA_HANDLE;
+    }
+}
+
+/// The name of a neighbour in the line of a success: applications parse it.
+struct SuccessLoggedAs {
+    const char *name;
 };
 
 /// body(camera) answers the status; exit is the text of a success.
 template <class Enter, class Body, class Exit = decltype(s_nameOnly)>
 CAM_API_STATUS FeatureCall(const char *name, CAM_HANDLE hCam, std::initializer_list<const void *> outputs,
-                           const Enter &enter, const Body &body, const Exit &exit = s_nameOnly)
+                           const Enter &enter, const Body &body, const Exit &exit = s_nameOnly,
+                           SuccessLoggedAs success = {nullptr})
 {
     return FramedCall(name, enter, [&](CallFrame &frame) -> CAM_API_STATUS {
         if (hCam == 0)
@@ -27,7 +47,9 @@ CAM_API_STATUS FeatureCall(const char *name, CAM_HANDLE hCam, std::initializer_l
             if (output == nullptr)
                 return CAM_API_STS_INVALID_PARAMETER;
         const CAM_API_STATUS status = body(FeatureCamera{hCam, TypeOfCamera(hCam)});
-        return status == CAM_API_STS_SUCCESS ? frame.Exit(status, exit) : status;
+        if (status != CAM_API_STS_SUCCESS)
+            return status;
+        return frame.ExitAs(success.name != nullptr ? success.name : name, status, exit);
     });
 }
 

@@ -1,7 +1,9 @@
 // Registers of the stream and the event interface.
 
-#include "features/FeatureAccess.h"
 #include "features/FeatureCall.h"
+#include "features/NodeAccess.h"
+#include "features/RegisterBlock.h"
+#include "features/RegisterMap.h"
 #include "features/UNI_Interface.h"
 
 namespace Orvi {
@@ -43,7 +45,7 @@ CAM_API_STATUS GetCamEventTransferSize(CAM_HANDLE hCam, uint32_t *puiTransferSiz
     return FeatureCall(
         __func__, hCam, {puiTransferSize}, LOG_TEXT("hCam=0x%llX", hCam),
         [&](const FeatureCamera &camera) {
-            return ReadSize(camera, 0x30004, "MaximumEventTransferLength", puiTransferSize);
+            return ReadSize(camera, RegMapKX::MaxEventTransfer, "MaximumEventTransferLength", puiTransferSize);
         },
         LOG_TEXT("*puiTransferSize=%d", *puiTransferSize));
 }
@@ -56,7 +58,9 @@ CAM_API_STATUS GetCamStreamPayloadSize(CAM_HANDLE hCam, uint32_t *puiPayloadSize
 {
     return FeatureCall(
         __func__, hCam, {puiPayloadSize}, LOG_TEXT("hCam=0x%llX", hCam),
-        [&](const FeatureCamera &camera) { return ReadSize(camera, 0x20008, "SIRequiredPayloadSize", puiPayloadSize); },
+        [&](const FeatureCamera &camera) {
+            return ReadSize(camera, RegMapKX::RequiredPayloadSize, "SIRequiredPayloadSize", puiPayloadSize);
+        },
         LOG_TEXT("*puiPayloadSize=%d", *puiPayloadSize));
 }
 
@@ -70,7 +74,7 @@ CAM_API_STATUS GetCamStreamEnable(CAM_HANDLE hCam, bool *pbEnable)
             if (!camera.HasRegisterMap())
                 return CAM_API_STS_INVALID_CAMERA_HANDLE;
             uint32_t uiControl = 0;
-            if (ReadWord(hCam, 0x20004, &uiControl) != CAM_API_STS_SUCCESS)
+            if (ReadWord(hCam, RegMapKX::StreamControl, &uiControl) != CAM_API_STS_SUCCESS)
                 return ReadStreamEnableNode(hCam, pbEnable);
             *pbEnable = uiControl != 0;
             return CAM_API_STS_SUCCESS;
