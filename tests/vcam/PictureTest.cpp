@@ -108,6 +108,27 @@ TEST(Picture, PainterDrawsTheReferenceInSmallImages)
     }
 }
 
+TEST(Picture, PainterDrawsTheReferenceBinnedDecimatedAndMirrored)
+{
+    Painter painter;
+    for (const std::uint32_t step : {1u, 2u, 3u, 4u}) {
+        for (const bool isReverse : {false, true}) {
+            PictureSettings settings = Settings(0x01080009);
+            settings.binningX = settings.decimationY = step;
+            settings.reverseX = settings.reverseY = isReverse;
+            settings.width = 640 / step / 4 * 4 - 8;
+            settings.height = 480 / step / 4 * 4 - 8;
+            settings.offsetX = 4;
+            settings.offsetY = 2;
+            settings.sharpness = step;
+            for (std::uint64_t block = 0; block < 300; block += 13) {
+                ASSERT_TRUE(std::ranges::equal(painter.Draw(settings, block), Render(settings, block)))
+                    << step << isReverse << ' ' << block;
+            }
+        }
+    }
+}
+
 TEST(Picture, SubjectMovesAndIsBright)
 {
     const PictureSettings settings = Settings();
