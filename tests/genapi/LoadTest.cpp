@@ -113,6 +113,100 @@ TEST(Load, BoundsTheDepthOfReferences)
     EXPECT_THAT(LoadError(chain(50000)), HasSubstr("depends on other nodes over more than"));
 }
 
+TEST(Load, BoundsTheWorkOfOneCall)
+{
+    // Each level uses the one below twice: 2 to the power of 60 evaluations.
+    std::string values = Int("V0"), ranges = Int("R0", "<Value>1</Value><Min>0</Min><Max>9</Max>");
+    for (int i = 1; i <= 60; ++i) {
+        const std::string here = std::to_string(i), below = std::to_string(i - 1);
+        values += Say("<IntSwissKnife Name=\"V", here, "\"><pVariable Name=\"A\">V", below,
+                      "</pVariable><Formula>A + A</Formula></IntSwissKnife>");
+        ranges += Say("<IntConverter Name=\"R", here, "\"><pVariable Name=\"A.Max\">R", below,
+                      "</pVariable><FormulaTo>FROM + A.Max</FormulaTo><FormulaFrom>TO - A.Max</FormulaFrom><pValue>R",
+                      below, "</pValue></IntConverter>");
+    }
+    TestMap map(values + ranges);
+    EXPECT_THAT(ErrorOf([&] { map.Int("V60"); }), HasSubstr("[V60] takes more than 100000 steps to evaluate"));
+    EXPECT_THAT(ErrorOf([&] { map->IntMax(map["R60"]); }), HasSubstr("[R60] takes more than 100000 steps to evaluate"));
+    EXPECT_EQ(map.Int("V10"), 1024);
+}
+
+/// Damages a text: takes bytes out, puts others in, or doubles a piece, always the same for the same seed.
+std::string Damaged(std::string text, unsigned seed)
+{
+    const auto next = [&] { return seed = seed * 1664525u + 1013904223u; };
+    constexpr std::string_view other = "<>&\"'/ 0x-9ZpV=\0";
+    for (unsigned i = 0; i < 1 + seed % 4; ++i) {
+        const std::size_t at = next() % text.size(), length = 1 + (next() >> 8) % 12;
+        switch ((next() >> 16) % 4) {
+        case 0:
+            text.erase(at, length);
+            break;
+        case 1:
+            text[at] = other[(next() >> 8) % other.size()];
+            break;
+        case 2:
+            text.insert(at, text.substr((next() >> 8) % text.size(), 8 * length));
+            break;
+        default:
+            text.resize(std::max<std::size_t>(at, 10));
+        }
+    }
+    return text;
+}
+
+/// Asks every node for everything; nothing but the two kinds of error may come out.
+void UseAll(const NodeMap &map)
+{
+    const auto quiet = [](auto &&f) {
+        try {
+            f();
+        } catch (const Error &) {
+        } catch (const U3v::StatusError &) {
+        }
+    };
+    for (NodeId id = 0; id < map.Size(); ++id) {
+        quiet([&] { map.DescribeAccess(id); });
+        quiet([&] { map.GetInt(id, {.verify = true}); });
+        quiet([&] { map.GetFloat(id, {.verify = true}); });
+        quiet([&] { map.GetEnumText(id); });
+        quiet([&] { map.GetString(id); });
+        quiet([&] { map.GetBool(id); });
+        quiet([&] { map.IsDone(id); });
+        quiet([&] { map.Features(id); });
+    }
+}
+
+TEST(Load, SurvivesDamagedDescriptions)
+{
+    const std::string whole = Describe(
+        "<Category Name=\"Root\"><pFeature>Gain</pFeature><pFeature>Mode</pFeature></Category>\n" +
+        Reg("IntReg", "Raw", 0, "<Sign>Signed</Sign><Endianess>BigEndian</Endianess><PollingTime>10</PollingTime>") +
+        Reg("MaskedIntReg", "Field", 4, "<LSB>3</LSB><MSB>9</MSB><pInvalidator>Mode</pInvalidator>") +
+        Reg("FloatReg", "F", 8) + Reg("StringReg", "S", 16, "", 8) +
+        "<Float Name=\"Gain\"><pValue>Conv</pValue><Min>-1</Min><pMax>F</pMax><Unit>dB</Unit></Float>"
+        "<Converter Name=\"Conv\"><pVariable Name=\"A\">Field</pVariable><FormulaTo>FROM * (100 + A)</FormulaTo>"
+        "<FormulaFrom>TO / (100 + A)</FormulaFrom><pValue>Raw</pValue></Converter>"
+        "<Enumeration Name=\"Mode\"><EnumEntry Name=\"A\"><Value>0</Value></EnumEntry><EnumEntry Name=\"B\">"
+        "<Value>1</Value></EnumEntry><pValue>Field</pValue><pSelected>Gain</pSelected></Enumeration>"
+        "<Boolean Name=\"On\"><pValue>Field</pValue></Boolean><String Name=\"T\"><pValue>S</pValue></String>"
+        "<Command Name=\"Go\"><pValue>Raw</pValue><CommandValue>1</CommandValue></Command>"
+        "<IntSwissKnife Name=\"K\"><pVariable Name=\"A\">Raw</pVariable><pVariable Name=\"M\">Mode</pVariable>"
+        "<Expression Name=\"X\">A ** 2</Expression><Formula>M = M.Entry.B ? X : ABS(A - 3)</Formula></IntSwissKnife>");
+    MemoryPort port;
+    int loaded = 0, refused = 0;
+    for (unsigned seed = 0; seed < 3000; ++seed) {
+        std::unique_ptr<NodeMap> map;
+        const std::string error = ErrorOf([&] { map = NodeMap::Load(Damaged(whole, seed), port); });
+        EXPECT_EQ(map == nullptr, !error.empty());
+        ++(map ? loaded : refused);
+        if (map)
+            UseAll(*map);
+    }
+    EXPECT_GT(loaded, 0);
+    EXPECT_GT(refused, 0);
+}
+
 TEST(Load, BoundsTheNestingOfGroups)
 {
     std::string open, close;

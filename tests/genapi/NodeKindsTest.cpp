@@ -343,6 +343,7 @@ TEST(Enumeration, ASelfClearingEntryIsNotReadBack)
     TestMap map(Reg("IntReg", "Raw", 0) + mode);
     map.port.keeps = std::byte{0};
     map->SetEnumText(map["Mode"], "Once", Verify::Yes);
+    EXPECT_EQ(map->GetEnumText(map["Mode"]), "Off") << "nor is it remembered";
     EXPECT_THAT(ErrorOf([&] { map->SetEnumText(map["Mode"], "On", Verify::Yes); }), HasSubstr("[Mode] does not keep"));
 }
 

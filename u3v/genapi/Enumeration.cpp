@@ -3,6 +3,7 @@
 #include "u3v/genapi/MapState.h"
 #include "u3v/genapi/Say.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace Orvi::GenApi {
@@ -80,28 +81,25 @@ void EnumerationNode::Finish(Loader &loader)
 {
     if (!value_.given)
         FailLoading(loader, *this, "has no value");
-    for (std::size_t i = 0; i < entries_.size(); ++i)
-        if (FindSymbol(entries_[i]->Symbol()) != entries_[i])
-            FailLoading(loader, *this, Say("has the entry ", entries_[i]->Symbol(), " twice"));
+    bySymbol_ = byNumber_ = entries_;
+    std::ranges::stable_sort(bySymbol_, {}, &EnumEntryNode::Symbol);
+    std::ranges::stable_sort(byNumber_, {}, &EnumEntryNode::Number);
+    const auto twice = std::ranges::adjacent_find(bySymbol_, {}, &EnumEntryNode::Symbol);
+    if (twice != bySymbol_.end())
+        FailLoading(loader, *this, Say("has the entry ", (*twice)->Symbol(), " twice"));
 }
 
 const EnumEntryNode *EnumerationNode::FindSymbol(std::string_view symbol) const
 {
-    for (const EnumEntryNode *entry : entries_)
-        if (entry->Symbol() == symbol)
-            return entry;
-    return nullptr;
+    const auto found = std::ranges::lower_bound(bySymbol_, symbol, {}, &EnumEntryNode::Symbol);
+    return found != bySymbol_.end() && (*found)->Symbol() == symbol ? *found : nullptr;
 }
 
 EnumEntryNode *EnumerationNode::FindNumber(std::int64_t number) const
 {
-    for (EnumEntryNode *entry : entries_)
-        if (entry->Number() == number)
-            return entry;
-    return nullptr;
+    const auto found = std::ranges::lower_bound(byNumber_, number, {}, &EnumEntryNode::Number);
+    return found != byNumber_.end() && (*found)->Number() == number ? *found : nullptr;
 }
-
-bool EnumerationNode::HasEntry(std::int64_t number) const { return FindNumber(number) != nullptr; }
 
 EnumEntryNode &EnumerationNode::Current(Run &run)
 {
@@ -136,10 +134,13 @@ void EnumerationNode::SetValue(Run &run, std::int64_t value)
 {
     const EnumEntryNode *const entry = FindNumber(value);
     Run inner = run;
+    const bool clears = entry && entry->IsSelfClearing();
     // The camera goes back from a self-clearing entry by itself: what is read back is another one.
-    if (entry && entry->IsSelfClearing())
+    if (clears)
         inner.verify = false;
     StoreValue(inner, *this, value_, value);
+    if (clears)
+        run.map.Forget(*this);
 }
 
 AccessMode EnumerationNode::ValueAccess(Run &run) { return AccessOf(run, value_); }
@@ -213,6 +214,7 @@ void CommandNode::Execute(Run &run)
     Run inner{run.map, run.subject};
     StoreValue(inner, *this, value_, command_.Get(run));
     pending_ = true;
+    run.map.Forget(*this);
     run.map.Changed(*this);
 }
 

@@ -43,7 +43,6 @@ class EnumerationNode final : public NumberNode<std::int64_t> {
     const EnumEntryNode *FindSymbol(std::string_view symbol) const;
     /// The entry that is set now; refuses a value that none has.
     EnumEntryNode &Current(Run &run);
-    bool HasEntry(std::int64_t number) const;
 
     std::string GetText(Run &run) override { return std::string(Current(run).Symbol()); }
     void SetText(Run &run, std::string_view value) override;
@@ -58,7 +57,8 @@ class EnumerationNode final : public NumberNode<std::int64_t> {
     EnumEntryNode *FindNumber(std::int64_t number) const;
 
     Source<std::int64_t> value_;
-    std::vector<EnumEntryNode *> entries_;
+    std::vector<EnumEntryNode *> entries_;             ///< as the description lists them
+    std::vector<EnumEntryNode *> bySymbol_, byNumber_; ///< the same, sorted
 };
 
 class BooleanNode final : public NumberNode<std::int64_t> {

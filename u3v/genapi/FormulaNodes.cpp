@@ -1,6 +1,7 @@
 #include "u3v/genapi/FormulaNodes.h"
 
 #include "u3v/genapi/Enumeration.h"
+#include "u3v/genapi/MapState.h"
 #include "u3v/genapi/Say.h"
 
 namespace Orvi::GenApi {
@@ -130,6 +131,8 @@ bool FormulaPart::Take(const Property &property, Arithmetic arithmetic)
         const std::string_view name = property.Attribute("Name");
         if (name.empty())
             property.Fail("the name is missing");
+        if (constants_.size() + variables_.size() == maxNames)
+            property.Fail(Say("a formula can have ", std::to_string(maxNames), " names"));
         for (const Named &named : constants_)
             if (named.name == name)
                 property.Fail(Say("'", name, "' is there twice"));
@@ -255,6 +258,7 @@ void SwissKnifeNode<T>::Finish(Loader &loader)
 template <class T>
 T SwissKnifeNode<T>::Value(Run &run)
 {
+    run.map.Step(run, *this);
     try {
         return FromCell<T>(part_.Evaluate(run, formula_, arithmeticOf<T>));
     } catch (const FormulaError &error) {
@@ -303,6 +307,7 @@ void ConverterNode<T>::Finish(Loader &loader)
 template <class T>
 T ConverterNode<T>::Convert(Run &run, const Formula &formula, T argument)
 {
+    run.map.Step(run, *this);
     try {
         return FromCell<T>(part_.Evaluate(run, formula, arithmeticOf<T>, MakeCell(argument)));
     } catch (const FormulaError &error) {
@@ -329,6 +334,7 @@ std::optional<T> ConverterNode<T>::Limit(Run &run, T raw)
 {
     if (raw == noLimits<T>.min || raw == noLimits<T>.max)
         return std::nullopt;
+    run.map.Step(run, *this);
     try {
         return FromCell<T>(part_.Evaluate(run, from_, arithmeticOf<T>, MakeCell(raw)));
     } catch (const FormulaError &) {

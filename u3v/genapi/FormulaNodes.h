@@ -28,6 +28,8 @@ class FormulaPart {
     bool IsReadableNow(Run &run) const;
 
   private:
+    static constexpr std::size_t maxNames = 1000;
+
     class Names;
     class Values;
     struct Named {

@@ -71,8 +71,11 @@ void Loader::Load()
         TakeProperties(*pending.node, pending.element);
     }
     CheckTargets();
-    for (const auto &node : state_.nodes)
-        node->Finish(*this);
+    // Formulas may use the entries of enumerations.
+    for (const bool enumerations : {true, false})
+        for (const auto &node : state_.nodes)
+            if ((node->Type() == NodeType::Enumeration) == enumerations)
+                node->Finish(*this);
     CheckDependencies(*this, state_);
 }
 

@@ -73,6 +73,18 @@ std::chrono::milliseconds MapState::Now() const
     return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
 }
 
+void MapState::FailSteps(const Run &run, const Node &node)
+{
+    node.Fail(run, "takes more than " + std::to_string(maxSteps) + " steps to evaluate");
+}
+
+void MapState::Forget(Node &node)
+{
+    for (Node *below = &node; below != nullptr; below = below->LinkTo(Role::Value))
+        if (auto *const reg = dynamic_cast<RegisterNode *>(below))
+            reg->ForgetValue(*this);
+}
+
 void MapState::ListReferrers()
 {
     referrers_.resize(nodes.size());

@@ -27,16 +27,31 @@ class MapState {
 
     std::chrono::milliseconds Now() const;
 
+    /// Counts one step of the present call. Formulas that use each other twice over many levels would never end.
+    void Step(const Run &run, const Node &node)
+    {
+        if (++steps_ > maxSteps)
+            FailSteps(run, node);
+    }
+    void BeginCall() { steps_ = 0; }
+
+    /// Makes the next read of @p node's own value ask the camera.
+    void Forget(Node &node);
+
     /// @p node has a new value: forgets what that makes stale. Where the value is kept calls it, not each node above.
     void Changed(Node &node);
 
   private:
     using Stale = std::vector<RegisterNode *>;
+    static constexpr std::uint32_t maxSteps = 100000;
+
+    [[noreturn]] void FailSteps(const Run &run, const Node &node);
 
     void ListReferrers();
     Stale FindStale(Node &node);
 
     Clock clock_;
+    std::uint32_t steps_ = 0;
     std::vector<std::vector<Link>> referrers_; ///< links backwards: target is the node that has the link
     std::unordered_map<const Node *, Stale> stale_;
 };

@@ -1,6 +1,7 @@
 #include "u3v/genapi/Node.h"
 
 #include "u3v/genapi/Formula.h"
+#include "u3v/genapi/MapState.h"
 #include "u3v/genapi/Properties.h"
 #include "u3v/genapi/Say.h"
 
@@ -66,6 +67,7 @@ AccessMode Node::ValueAccess(Run &) { return AccessMode::ReadOnly; }
 
 AccessMode Node::Access(Run &run)
 {
+    run.map.Step(run, *this);
     if (implemented_ && implemented_->GetInt(run) == 0)
         return AccessMode::NotImplemented;
     if (available_ && available_->GetInt(run) == 0)

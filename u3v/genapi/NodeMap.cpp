@@ -20,7 +20,10 @@ struct NodeMap::Content {
 
 /// One call on one node: the lock, the node, and how to work.
 struct NodeMap::Call {
-    Call(const NodeMap &map, NodeId id) : lock(map.content_->mutex), node(map.At(id)), run{map.content_->state, node} {}
+    Call(const NodeMap &map, NodeId id) : lock(map.content_->mutex), node(map.At(id)), run{map.content_->state, node}
+    {
+        run.map.BeginCall();
+    }
     Call(const NodeMap &map, NodeId id, ReadOptions options) : Call(map, id)
     {
         run.verify = options.verify;
@@ -422,9 +425,7 @@ void NodeMap::Invalidate()
 void NodeMap::Invalidate(NodeId id)
 {
     Call call(*this, id);
-    for (Node *node = &call.node; node != nullptr; node = node->LinkTo(Role::Value))
-        if (auto *const reg = dynamic_cast<RegisterNode *>(node))
-            reg->ForgetValue(content_->state);
+    content_->state.Forget(call.node);
     content_->state.Changed(call.node);
 }
 

@@ -163,6 +163,7 @@ Source<T> &ValueNode<T>::Current(Run &run)
 template <class T>
 void ValueNode<T>::SetValue(Run &run, T value)
 {
+    run.map.Step(run, *this);
     Source<T> &source = Current(run);
     if (source.node)
         SetNumber<T>(*source.node, run, value);
@@ -177,6 +178,7 @@ void ValueNode<T>::SetValue(Run &run, T value)
 template <class T>
 Limits<T> ValueNode<T>::ValueLimits(Run &run)
 {
+    run.map.Step(run, *this);
     Limits<T> limits = noLimits<T>;
     if (!(min_.given && max_.given))
         if (Node *const below = Below(run))

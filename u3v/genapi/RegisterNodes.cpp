@@ -110,6 +110,7 @@ std::uint64_t RegisterNode::AddressNow(Run &run)
     auto address = static_cast<std::uint64_t>(address_);
     if (!moves_)
         return address;
+    run.map.Step(run, AsNode());
     for (Node *node : addresses_)
         address += static_cast<std::uint64_t>(node->GetInt(run));
     for (const Offset &offset : offsets_) {
