@@ -32,6 +32,7 @@ class KeepingReporter : public benchmark::ConsoleReporter {
                 continue;
             const std::string name = run.run_name.function_name;
             medians_[name] = run.GetAdjustedCPUTime();
+            medians_[name + "/wall"] = run.GetAdjustedRealTime();
             for (const auto &[counter, value] : run.counters)
                 medians_[name + "/" + counter] = value;
         }

@@ -2,7 +2,6 @@
 
 #include "foundation/U3vCamApiString.h"
 #include "foundation/Version.h"
-#include "log/LogLine.h"
 #include "log/LogStorage.h"
 
 #include <cstring>
@@ -72,7 +71,7 @@ int32_t Store(std::string_view bytes, std::size_t maxInRing)
     return 0;
 }
 
-int32_t WriteLine(uint32_t uiLevel, LogOrigin origin, std::string_view text, const char *status)
+int32_t WriteLine(uint32_t uiLevel, LogOrigin origin, LogLine &line, const char *status)
 {
     if (!g_bUniLogInit)
         return s_iNotWritten;
@@ -80,8 +79,7 @@ int32_t WriteLine(uint32_t uiLevel, LogOrigin origin, std::string_view text, con
         return 0;
     if (uiLevel > CAM_LOG_LEVEL_FATAL)
         return s_iBadLevel;
-    const LogLine line(ElapsedMicroseconds(), origin, uiLevel, text, status);
-    return Store(line.Bytes(), std::string_view::npos);
+    return Store(line.Finish(ElapsedMicroseconds(), origin, uiLevel, status), std::string_view::npos);
 }
 
 std::string_view View(const char *pszText) { return pszText != nullptr ? pszText : std::string_view(); }
@@ -96,23 +94,28 @@ bool DirectoryExists(const char *pszPath)
 
 } // namespace
 
-void Uni_OutLog(uint32_t uiStatus, const char *pszText) { Uni_OutLog(uiStatus, View(pszText)); }
-
-void Uni_OutLog(uint32_t uiStatus, std::string_view text)
+void Uni_OutLog(uint32_t uiStatus, const char *pszText)
 {
     if (!g_bUniLogInit)
         return;
+    LogLine line(View(pszText));
+    Uni_OutLog(uiStatus, line);
+}
+
+void Uni_OutLog(uint32_t uiStatus, LogLine &line)
+{
     if (uiStatus == CAM_API_STS_SUCCESS)
-        WriteLine(CAM_LOG_LEVEL_INFO, LogOrigin::Api, text, nullptr);
+        WriteLine(CAM_LOG_LEVEL_INFO, LogOrigin::Api, line, nullptr);
     else if (const StatusFacts *facts = FindStatus(uiStatus))
-        WriteLine(facts->level, LogOrigin::Api, text, facts->PublicName());
+        WriteLine(facts->level, LogOrigin::Api, line, facts->PublicName());
 }
 
 int32_t Uni_WriteLogApi(uint32_t uiLevel, const char *pszText) { return _Uni_WriteLog(uiLevel, true, pszText); }
 
 int32_t _Uni_WriteLog(uint32_t uiLevel, bool bApi, const char *pszText)
 {
-    return WriteLine(uiLevel, bApi ? LogOrigin::Api : LogOrigin::Application, View(pszText), nullptr);
+    LogLine line(View(pszText));
+    return WriteLine(uiLevel, bApi ? LogOrigin::Api : LogOrigin::Application, line, nullptr);
 }
 
 int32_t _Uni_WriteLog2(uint32_t uiLevel, const char *pszText)

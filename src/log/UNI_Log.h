@@ -3,8 +3,7 @@
 // in the public header.
 
 #include "foundation/PublicApi.h"
-
-#include <string_view>
+#include "log/LogLine.h"
 
 namespace Orvi {
 
@@ -14,7 +13,7 @@ ORVI_EXPORT extern bool g_bUniLogInit;
 /// Writes an ENTER line (status 0) or an EXIT line: the status's name follows the text, and its level is the line's. A
 /// value that is no status writes nothing.
 ORVI_EXPORT void Uni_OutLog(uint32_t uiStatus, const char *pszText);
-void Uni_OutLog(uint32_t uiStatus, std::string_view text);
+void Uni_OutLog(uint32_t uiStatus, LogLine &line);
 
 /// Writes a line of the library's own.
 ORVI_EXPORT int32_t Uni_WriteLogApi(uint32_t uiLevel, const char *pszText);

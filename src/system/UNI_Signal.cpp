@@ -35,7 +35,7 @@ void Log(CAM_API_STATUS status, const Text &text)
         return;
     LogWriter line;
     text(line);
-    Uni_OutLog(status, line.Text());
+    Uni_OutLog(status, line);
 }
 
 CAM_API_STATUS LogExit(const char *name, CAM_API_STATUS status)

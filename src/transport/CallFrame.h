@@ -74,7 +74,7 @@ class CallFrame {
         line.Append(kind);
         line.Append(name);
         text(line);
-        Uni_OutLog(status, line.Text());
+        Uni_OutLog(status, line);
     }
 
     const char *name_;

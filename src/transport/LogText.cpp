@@ -1,7 +1,5 @@
 #include "transport/LogText.h"
 
-#include "foundation/TextBytes.h"
-
 #include <cstdio>
 
 namespace Orvi {
@@ -13,40 +11,36 @@ void LogWriter::AppendPieces(const char *text, const LogPiece *pieces, std::size
     for (std::size_t i = 0; i < count; ++i) {
         Append({text, pieces[i].literal});
         text += pieces[i].literal + pieces[i].skipped;
-        switch (pieces[i].conversion) {
-        case 's':
-            Append(arguments[i].text != nullptr ? arguments[i].text : "(null)");
-            break;
-        case 'f': {
-            char szReal[400];
-            std::snprintf(szReal, sizeof szReal, "%15.9f", arguments[i].real);
-            Append(szReal);
-            break;
-        }
-        default:
-            AppendNumber(pieces[i].conversion, arguments[i].number);
-            break;
-        }
+        AppendArgument(pieces[i].conversion, arguments[i]);
     }
     Append({text, pieces[count].literal});
 }
 
-void LogWriter::AppendNumber(char conversion, uint64_t number)
+void LogWriter::AppendArgument(char conversion, const LogArgument &argument)
 {
-    char *const to = line_ + size_; // there is room for all digits; what lies beyond the end is cut below
     switch (conversion) {
-    case 'd':
-        size_ += WriteDecimal(to, static_cast<int32_t>(number));
+    case 'X':
+        AppendHex(argument.number, HexCase::Upper);
+        break;
+    case 'x':
+        AppendHex(argument.number, HexCase::Lower);
         break;
     case '0':
-        WriteHex8(to, static_cast<uint32_t>(number), HexCase::Upper);
-        size_ += 8;
+        AppendHex8(static_cast<uint32_t>(argument.number), HexCase::Upper);
         break;
-    default:
-        size_ += WriteHex(to, number, conversion == 'X' ? HexCase::Upper : HexCase::Lower);
+    case 'd':
+        AppendDecimal(static_cast<int32_t>(argument.number));
+        break;
+    case 's':
+        Append(argument.text != nullptr ? argument.text : "(null)");
+        break;
+    default: {
+        char szReal[400];
+        std::snprintf(szReal, sizeof szReal, "%15.9f", argument.real);
+        Append(szReal);
         break;
     }
-    size_ = std::min(size_, maxLine);
+    }
 }
 
 } // namespace Orvi

@@ -2,10 +2,8 @@
 // Texts of ENTER and EXIT lines: formats are checked when the library is compiled, arguments are evaluated only while
 // the log is up.
 
-#include "foundation/PublicApi.h"
-#include "foundation/TextBytes.h"
+#include "log/LogLine.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <string_view>
 #include <type_traits>
@@ -101,16 +99,9 @@ struct LogFormat {
     LogPiece pieces[sizeof...(Arguments) + 1];
 };
 
-/// Collects a line of at most 255 bytes.
-class LogWriter {
+/// A log line that takes formatted texts.
+class LogWriter : public LogLine {
   public:
-    void Append(std::string_view text)
-    {
-        const std::size_t count = std::min(text.size(), maxLine - size_);
-        CopyBytes(line_ + size_, text.data(), count);
-        size_ += count;
-    }
-
     template <class... Arguments>
     void Format(LogFormat<std::type_identity_t<Arguments>...> format, const Arguments &...arguments)
     {
@@ -126,16 +117,9 @@ class LogWriter {
         Format<Arguments...>(format, arguments...);
     }
 
-    std::string_view Text() const { return {line_, size_}; }
-
   private:
-    static constexpr std::size_t maxLine = 255;
-
     void AppendPieces(const char *text, const LogPiece *pieces, std::size_t count, const LogArgument *arguments);
-    void AppendNumber(char conversion, uint64_t number);
-
-    std::size_t size_ = 0;
-    char line_[maxLine + maxDigits];
+    void AppendArgument(char conversion, const LogArgument &argument);
 };
 
 /// The text after a function's name, as something that is only written when the log is up.

@@ -1,0 +1,112 @@
+// What it costs to bring images of a virtual camera into the application's memory.
+
+#include "Allocations.h"
+#include "Claims.h"
+#include "VirtualStream.h"
+
+#include "vcam/Painter.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstring>
+#include <vector>
+
+#include <sys/resource.h>
+
+namespace Orvi::Bench {
+
+namespace {
+
+constexpr std::size_t s_buffers = 8;
+constexpr uint32_t s_fps = 100;
+
+double ProcessorSeconds()
+{
+    rusage usage;
+    getrusage(RUSAGE_SELF, &usage);
+    const auto seconds = [](const timeval &time) {
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
+    };
+    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+}
+
+/// One payload copied from the same place into as many buffers as the stream has, so that caches help neither.
+void CopyPayload(benchmark::State &state)
+{
+    const std::size_t size = VirtualStream(s_buffers).PayloadSize();
+    const std::vector<std::byte> source(size, std::byte{1});
+    std::vector<std::vector<std::byte>> targets(s_buffers, std::vector<std::byte>(size));
+    std::size_t next = 0;
+    for (auto _ : state) {
+        std::memcpy(targets[next++ % s_buffers].data(), source.data(), size);
+        benchmark::ClobberMemory();
+    }
+}
+BENCHMARK(CopyPayload)->Unit(benchmark::kMicrosecond)->UseRealTime()->Repetitions(7)->ReportAggregatesOnly();
+
+/// One image, from the camera's memory to a dequeued request, as fast as they come.
+void StreamImage(benchmark::State &state)
+{
+    VirtualStream stream(s_buffers);
+    stream.Unthrottle();
+    stream.Start();
+    for (std::size_t i = 0; i < 4 * s_buffers; ++i)
+        stream.TakeImage();
+    const uint64_t before = Allocations();
+    for (auto _ : state)
+        stream.TakeImage();
+    const auto allocated = static_cast<double>(Allocations() - before);
+    state.counters["allocations"] = allocated / static_cast<double>(state.iterations());
+    stream.Stop();
+}
+BENCHMARK(StreamImage)->Unit(benchmark::kMicrosecond)->UseRealTime()->Repetitions(7)->ReportAggregatesOnly();
+
+/// An image every 10 ms; "core" is the share of one processor core that the whole process takes.
+void StreamAt100Fps(benchmark::State &state)
+{
+    VirtualStream stream(s_buffers);
+    stream.SetFrameRate(s_fps);
+    stream.Start();
+    for (std::size_t i = 0; i < s_buffers; ++i)
+        stream.TakeImage();
+    const double before = ProcessorSeconds();
+    for (auto _ : state)
+        stream.TakeImage();
+    const double seconds = static_cast<double>(state.iterations()) / s_fps;
+    state.counters["core"] = (ProcessorSeconds() - before) / seconds;
+    stream.Stop();
+}
+BENCHMARK(StreamAt100Fps)
+    ->Unit(benchmark::kMicrosecond)
+    ->UseRealTime()
+    ->Iterations(200)
+    ->Repetitions(3)
+    ->ReportAggregatesOnly();
+
+/// Drawing alone, as the camera does it.
+void DrawPicture(benchmark::State &state)
+{
+    Vcam::Painter painter;
+    Vcam::PictureSettings settings;
+    settings.sensorWidth = settings.width = 1920;
+    settings.sensorHeight = settings.height = 1200;
+    uint64_t block = 0;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(painter.Draw(settings, block++).data());
+}
+BENCHMARK(DrawPicture)->Unit(benchmark::kMicrosecond)->Repetitions(7)->ReportAggregatesOnly();
+
+const bool s_bandwidth =
+    Add({"1920x1200 Mono8 from a virtual camera, of a memcpy of the payload",
+         [] { return Median("CopyPayload", "wall") / Median("StreamImage", "wall"); }, "", Claim::Is::AtLeast, 0.6});
+
+const bool s_noAllocation =
+    Add({"allocations per image", [] { return Median("StreamImage", "allocations"); }, "", Claim::Is::AtMost, 0});
+
+const bool s_core = Add({"share of a core at 100 fps above drawing",
+                         [] { return (Median("StreamAt100Fps", "core") - s_fps * Median("DrawPicture") * 1e-6) * 100; },
+                         " %", Claim::Is::AtMost, 15});
+
+} // namespace
+
+} // namespace Orvi::Bench
