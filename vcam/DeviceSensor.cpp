@@ -304,19 +304,21 @@ bool Device::SendFrame(Lock &lock, std::uint64_t block, std::uint64_t time, cons
     return isSent;
 }
 
-/// Called without the lock. False when the acquisition has been cut off or the endpoint cleared.
+/// Called without the lock. False when the stream has been switched off or the endpoint cleared.
 bool Device::SendMessage(std::uint64_t run, std::uint64_t epoch, Message message)
 {
     while (!stream_.Send(message, epoch)) {
         Lock lock(mutex_);
-        if (!IsRun(run) || isUnplugRequested_ || stream_.Epoch() != epoch) {
+        // An aborted acquisition still finishes the image that has begun: never half an image without its trailer.
+        const bool isCut = isQuitting_ || isUnplugRequested_ || !isPlugged_ || !IsStreamEnabled();
+        if (isCut || stream_.Epoch() != epoch) {
             return false;
         }
         if (stream_.HasTransfer()) {
             continue;
         }
-        const bool mayMiss =
-            IsThrottled() && !acquisition_.isStopping && HasFramesLeft() && (!IsTriggered() || burstLeft_ != 0);
+        const bool mayMiss = IsRun(run) && IsThrottled() && !acquisition_.isStopping && HasFramesLeft() &&
+                             (!IsTriggered() || burstLeft_ != 0);
         if (!mayMiss) {
             wake_.wait(lock);
             continue;

@@ -284,6 +284,26 @@ TEST_F(Streaming, StopFinishesTheFrameUnderWay)
     EXPECT_TRUE(camera_->Cancel(Endpoint::StreamIn, none));
 }
 
+TEST_F(Streaming, AbortFinishesTheFrameUnderWayAndTakesNoMore)
+{
+    stream_.Configure(stream_.SimpleCut());
+    Transfer leader(1024);
+    camera_->Submit(Endpoint::StreamIn, leader);
+    stream_.Enable();
+    stream_.Start();
+    leader.Wait();
+    control_.Write(Block::AcquisitionCommand + 0x1C, 0);
+    EXPECT_EQ(control_.Read(Reg::AcquisitionActive), 0u);
+    Transfer payload(stream_.SimpleCut().size), trailer(1024), none(1024);
+    for (Transfer *transfer : {&payload, &trailer, &none}) {
+        camera_->Submit(Endpoint::StreamIn, *transfer);
+    }
+    EXPECT_EQ(LoadLe<std::uint64_t>(trailer.Wait().Data().data() + 20), payload.Wait().received);
+    EXPECT_EQ(trailer.received, 32u);
+    EXPECT_FALSE(none.IsDone());
+    EXPECT_TRUE(camera_->Cancel(Endpoint::StreamIn, none));
+}
+
 TEST_F(Streaming, DisablingDropsWhatIsQueuedAndLeavesTransfersPending)
 {
     stream_.Configure(stream_.SimpleCut());
