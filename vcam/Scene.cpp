@@ -117,8 +117,8 @@ int64_t Scene::SensorY(int64_t y) const
 /// Colours that change over the sensor, under a chessboard.
 Signal Scene::Light(int64_t x, int64_t y) const
 {
-    const int64_t sensorX = std::clamp<int64_t>(SensorX(x), 0, settings_.sensorWidth - 1);
-    const int64_t sensorY = std::clamp<int64_t>(SensorY(y), 0, settings_.sensorHeight - 1);
+    const auto sensorX = static_cast<uint32_t>(std::clamp<int64_t>(SensorX(x), 0, settings_.sensorWidth - 1));
+    const auto sensorY = static_cast<uint32_t>(std::clamp<int64_t>(SensorY(y), 0, settings_.sensorHeight - 1));
     const auto right = static_cast<int32_t>(1600 * sensorX / settings_.sensorWidth);
     const auto down = static_cast<int32_t>(1600 * sensorY / settings_.sensorHeight);
     const int32_t floor = (sensorX / 64 + sensorY / 64) % 2 != 0 ? 250 : 400;
@@ -253,7 +253,7 @@ std::byte *Scene::Encode(Signal signal, uint32_t x, uint32_t y, std::byte *to) c
         return to;
     }
     // More than 12 bits are filled from the top again, so that white is all ones.
-    const uint32_t scaled =
+    const int32_t scaled =
         format_.bits > 12 ? value << (format_.bits - 12) | value >> (24 - format_.bits) : value >> (12 - format_.bits);
     StoreLe(to, static_cast<std::uint16_t>(scaled));
     return to + 2;
