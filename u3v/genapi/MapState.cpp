@@ -85,6 +85,21 @@ void MapState::Forget(Node &node)
             reg->ForgetValue(*this);
 }
 
+CachingMode MapState::CachingOf(Node &node) const
+{
+    CachingMode mode = CachingMode::WriteThrough;
+    Walk below(nodes.size());
+    below.Push(node);
+    while (Node *const each = below.Pop()) {
+        if (const auto own = each->OwnCaching(); own && mode != CachingMode::NoCache)
+            mode = *own == CachingMode::WriteThrough ? mode : *own;
+        for (const Link &link : each->Links())
+            if (link.role == Role::Value || link.role == Role::Variable || link.role == Role::Index)
+                below.Push(*link.target);
+    }
+    return mode;
+}
+
 void MapState::ListReferrers()
 {
     referrers_.resize(nodes.size());
@@ -103,14 +118,17 @@ MapState::Stale MapState::FindStale(Node &source)
 
     // What a stale node reads is stale too. A selector's own register is not, nor are registers whose address moves
     // with the selector: there every value of the selector has its own place in the cache.
+    const auto moves = [&](const Node &node, const Node &selector) {
+        const Walk address = AddressOf(node, nodes.size());
+        return address.Has(selector) || address.Has(source);
+    };
     const auto addStale = [&](Node &from, const Node *selector) {
         const auto isSelector = [&](const Node &node) { return selector && (&node == selector || &node == &source); };
         Walk below(nodes.size());
         below.Push(from);
         while (Node *const node = below.Pop()) {
             if (auto *const reg = dynamic_cast<RegisterNode *>(node)) {
-                const Walk address = AddressOf(reg->AsNode(), nodes.size());
-                if (!selector || !(address.Has(*selector) || address.Has(source))) {
+                if (!selector || !moves(*node, *selector)) {
                     stale.push_back(reg);
                     changed.Push(*node);
                 }

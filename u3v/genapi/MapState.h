@@ -35,6 +35,9 @@ class MapState {
     }
     void BeginCall() { steps_ = 0; }
 
+    /// The most careful mode among the registers that @p node's value is read from.
+    CachingMode CachingOf(Node &node) const;
+
     /// Makes the next read of @p node's own value ask the camera.
     void Forget(Node &node);
 

@@ -122,18 +122,6 @@ void Node::RequireWritable(const Run &run)
         Fail(run, Say("cannot be written, it ", DescribeAccess(check)));
 }
 
-CachingMode Node::Caching() const
-{
-    CachingMode mode = CachingMode::WriteThrough;
-    for (const Link &link : links_)
-        if (link.role == Role::Value || link.role == Role::Variable || link.role == Role::Index) {
-            const CachingMode other = link.target->Caching();
-            if (other == CachingMode::NoCache || mode == CachingMode::WriteThrough)
-                mode = other;
-        }
-    return mode;
-}
-
 void Node::CheckError(Run &run)
 {
     if (!error_)

@@ -114,7 +114,8 @@ class Node {
     void RequireReadable(const Run &run);
     void RequireWritable(const Run &run);
 
-    virtual CachingMode Caching() const;
+    /// Of a register; other nodes have that of the registers below them.
+    virtual std::optional<CachingMode> OwnCaching() const { return std::nullopt; }
 
     // The value as each type; the default refuses.
     virtual std::int64_t GetInt(Run &run);

@@ -120,7 +120,7 @@ std::string_view NodeMap::Description(NodeId id) const         { return At(id).S
 std::string_view NodeMap::ToolTip(NodeId id) const             { return At(id).Said().toolTip; }
 std::string_view NodeMap::DocuUrl(NodeId id) const             { return At(id).Said().docuUrl; }
 Visibility       NodeMap::NodeVisibility(NodeId id) const      { return At(id).Said().visibility; }
-CachingMode      NodeMap::Caching(NodeId id) const             { return At(id).Caching(); }
+CachingMode      NodeMap::Caching(NodeId id) const             { return content_->state.CachingOf(At(id)); }
 DisplayNotation  NodeMap::Notation(NodeId id) const            { return At(id).Said().displayNotation; }
 std::int64_t     NodeMap::DisplayPrecision(NodeId id) const    { return At(id).Said().displayPrecision; }
 bool             NodeMap::IsFeature(NodeId id) const           { return At(id).Said().feature; }

@@ -75,7 +75,7 @@ class RegisterKind : public Base, public RegisterNode {
 
     Node &AsNode() final { return *this; }
     bool Take(const Property &property) override { return TakeRegister(property) || Base::Take(property); }
-    CachingMode Caching() const final { return RegisterCaching(); }
+    std::optional<CachingMode> OwnCaching() const final { return RegisterCaching(); }
 
   protected:
     AccessMode ValueAccess(Run &run) final { return RegisterAccess(run); }
