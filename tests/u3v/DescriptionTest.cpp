@@ -1,0 +1,218 @@
+#include "u3v/protocol/Description.h"
+#include "tests/u3v/FakeDevice.h"
+#include "u3v/core/Status.h"
+#include "u3v/protocol/Sha1.h"
+#include "u3v/protocol/StreamLayout.h"
+#include "u3v/protocol/Zip.h"
+#include "u3v/usb/LoopbackLink.h"
+
+#include <gtest/gtest.h>
+#include <zlib.h>
+
+#include <fstream>
+#include <functional>
+
+namespace Orvi::Test {
+namespace {
+
+using namespace U3v;
+
+Bytes BytesOf(const std::string &text)
+{
+    const auto bytes = std::as_bytes(std::span(text));
+    return {bytes.begin(), bytes.end()};
+}
+
+Bytes Joined(std::initializer_list<Bytes> parts)
+{
+    Bytes all;
+    for (const Bytes &part : parts)
+        all.insert(all.end(), part.begin(), part.end());
+    return all;
+}
+
+Bytes Zip(const std::string &text)
+{
+    std::vector<Bytef> packed(compressBound(static_cast<uLong>(text.size())) + 64);
+    z_stream stream{};
+    deflateInit2(&stream, 9, Z_DEFLATED, -MAX_WBITS, 9, Z_DEFAULT_STRATEGY);
+    stream.next_in = reinterpret_cast<Bytef *>(const_cast<char *>(text.data()));
+    stream.avail_in = static_cast<uInt>(text.size());
+    stream.next_out = packed.data();
+    stream.avail_out = static_cast<uInt>(packed.size());
+    deflate(&stream, Z_FINISH);
+    packed.resize(stream.total_out);
+    deflateEnd(&stream);
+    const auto crc = static_cast<std::uint32_t>(
+        crc32(0, reinterpret_cast<const Bytef *>(text.data()), static_cast<uInt>(text.size())));
+    const auto packedSize = static_cast<std::uint32_t>(packed.size()), size = static_cast<std::uint32_t>(text.size());
+    const Bytes common = Pack(std::uint16_t{20}, std::uint16_t{0}, std::uint16_t{8}, std::uint32_t{0}, crc, packedSize,
+                              size, std::uint16_t{5}, std::uint16_t{0});
+    const Bytes name = BytesOf("a.xml");
+    const auto *data = reinterpret_cast<const std::byte *>(packed.data());
+    const Bytes local = Joined({Pack(std::uint32_t{0x04034B50}), common, name, Bytes(data, data + packed.size())});
+    const Bytes central =
+        Joined({Pack(std::uint32_t{0x02014B50}, std::uint16_t{20}), common,
+                Pack(std::uint16_t{0}, std::uint16_t{0}, std::uint16_t{0}, std::uint32_t{0}, std::uint32_t{0}), name});
+    const Bytes end =
+        Pack(std::uint32_t{0x06054B50}, std::uint16_t{0}, std::uint16_t{0}, std::uint16_t{1}, std::uint16_t{1},
+             static_cast<std::uint32_t>(central.size()), static_cast<std::uint32_t>(local.size()), std::uint16_t{0});
+    return Joined({local, central, end});
+}
+
+std::string FailureOf(const std::function<void()> &call)
+{
+    try {
+        call();
+        return {};
+    } catch (const StatusError &error) {
+        EXPECT_EQ(error.Status(), CAM_API_STS_XML_LOAD_ERR);
+        return error.what();
+    }
+}
+
+const std::string xml = "<RegisterDescription/> " + std::string(3000, 'x');
+constexpr std::uint32_t plain = 0x01010000, zipped = 0x01010400;
+
+class DescriptionTest : public testing::Test {
+  protected:
+    struct Entry {
+        std::uint32_t version, schema;
+        Bytes file;
+        std::array<std::byte, 20> sha1{};
+    };
+
+    void SetManifest(const std::vector<Entry> &entries)
+    {
+        device->Set64(FakeDevice::manifest, entries.size());
+        std::uint64_t address = FakeDevice::file;
+        for (std::size_t i = 0; i < entries.size(); ++i) {
+            const Entry &entry = entries[i];
+            const std::uint64_t at = FakeDevice::manifest + 8 + 64 * i;
+            device->SetBytes(at, Pack(entry.version, entry.schema, address, std::uint64_t{entry.file.size()}));
+            device->SetBytes(at + 24, Bytes(entry.sha1.begin(), entry.sha1.end()));
+            device->SetBytes(address, entry.file);
+            address += entry.file.size();
+        }
+    }
+
+    std::string Fetch()
+    {
+        LoopbackLink link(device);
+        GenCp control(link);
+        return FetchDescription(control, FakeDevice::manifest);
+    }
+
+    std::shared_ptr<FakeDevice> device = std::make_shared<FakeDevice>();
+};
+
+TEST_F(DescriptionTest, PlainZippedAndPaddedFilesGiveTheSameText)
+{
+    const Bytes padding(37);
+    for (const auto &[schema, file] :
+         {std::pair(plain, BytesOf(xml)), std::pair(zipped, Zip(xml)),
+          std::pair(plain, Joined({BytesOf(xml), padding})), std::pair(zipped, Joined({Zip(xml), padding}))}) {
+        SetManifest({{0x01000000, schema, file, Sha1(file)}});
+        EXPECT_EQ(Fetch(), xml);
+    }
+}
+
+TEST_F(DescriptionTest, NewestUsableEntryIsTaken)
+{
+    SetManifest({{0x01000005, plain, BytesOf("older"), {}},
+                 {0x09000000, plain | 1, BytesOf("chunks"), {}},
+                 {0x01010000, plain, BytesOf("newest"), {}},
+                 {0x08000000, plain | 5U << 10, BytesOf("strange compression"), {}}});
+    EXPECT_EQ(Fetch(), "newest");
+}
+
+TEST_F(DescriptionTest, ManifestWithoutADescriptionIsAnError)
+{
+    SetManifest({});
+    EXPECT_NE(FailureOf([&] { Fetch(); }), "");
+    device->Set64(FakeDevice::manifest, 1'000'000);
+    EXPECT_NE(FailureOf([&] { Fetch(); }).find("1000000"), std::string::npos);
+}
+
+TEST_F(DescriptionTest, DamagedFilesAreErrors)
+{
+    Bytes file = Zip(xml);
+    const auto sha1 = Sha1(file);
+    file[60] ^= std::byte{1};
+    SetManifest({{1, zipped, file, sha1}});
+    EXPECT_NE(FailureOf([&] { Fetch(); }).find("SHA-1"), std::string::npos);
+    SetManifest({{1, zipped, file, {}}});
+    EXPECT_NE(FailureOf([&] { Fetch(); }), "");
+}
+
+TEST_F(DescriptionTest, NoCutOrFlippedArchiveIsReadBeyondItsEnd)
+{
+    const Bytes good = Zip(xml);
+    for (std::size_t size = 0; size < good.size(); ++size)
+        EXPECT_NE(FailureOf([&] { UnzipFirstFile(std::span(good).first(size)); }), "");
+    for (std::size_t at = 0; at < good.size(); ++at)
+        for (const std::byte flip : {std::byte{0xFF}, std::byte{0x80}}) {
+            Bytes bad = good;
+            bad[at] ^= flip;
+            try {
+                EXPECT_EQ(UnzipFirstFile(bad), xml); // a byte that does not matter
+            } catch (const StatusError &error) {
+                EXPECT_EQ(error.Status(), CAM_API_STS_XML_LOAD_ERR);
+            }
+        }
+}
+
+TEST_F(DescriptionTest, FileOfTheUsersMayBeZipped)
+{
+    const std::string path = testing::TempDir() + "u3v-description-test";
+    for (const Bytes &file : {BytesOf(xml), Zip(xml)}) {
+        std::ofstream(path, std::ios::binary)
+            .write(reinterpret_cast<const char *>(file.data()), static_cast<std::streamsize>(file.size()));
+        EXPECT_EQ(ReadDescriptionFile(path), xml);
+    }
+    std::remove(path.c_str());
+    EXPECT_NE(FailureOf([&] { ReadDescriptionFile(path); }).find(path), std::string::npos);
+}
+
+TEST(Sha1Test, GivesThePublishedDigests)
+{
+    const auto hex = [](const std::string &text) {
+        std::string digits;
+        for (const std::byte b : Sha1(std::as_bytes(std::span(text)))) {
+            char two[3];
+            std::snprintf(two, sizeof two, "%02x", std::to_integer<unsigned>(b));
+            digits += two;
+        }
+        return digits;
+    };
+    EXPECT_EQ(hex(""), "da39a3ee5e6b4b0d3255bfef95601890afd80709");
+    EXPECT_EQ(hex("abc"), "a9993e364706816aba3e25717850c26c9cd0d89d");
+    EXPECT_EQ(hex("abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq"),
+              "84983e441c3bd26ebaae4aa1f95129e5e54670f1");
+    EXPECT_EQ(hex(std::string(1000000, 'a')), "34aa973cd4c4daa4f61eeb2bdbad27316534016f");
+}
+
+TEST(StreamLayoutTest, SlotsCoverThePayloadAndOnlyTheLastReachesBeyond)
+{
+    for (const std::size_t alignment : {4U, 64U, 1024U, 4096U})
+        for (const std::size_t maxTransfer : {1U, 1024U, 5000U, 65536U, 1048576U})
+            for (const std::size_t payload : {1U, 1023U, 1024U, 1025U, 65536U, 314928U, 2304000U}) {
+                const StreamLayout layout = StreamLayout::Cut(payload, 52, 32, alignment, 1024, maxTransfer);
+                const std::size_t unit = std::max<std::size_t>(alignment, 1024);
+                std::size_t total = 0;
+                for (const std::size_t slot : layout.Slots()) {
+                    EXPECT_LT(total, payload);
+                    EXPECT_EQ(slot % unit, 0U);
+                    EXPECT_LE(slot, std::max<std::size_t>(maxTransfer, unit));
+                    total += slot;
+                }
+                EXPECT_GE(total, payload);
+                EXPECT_LT(total - payload, unit);
+                EXPECT_LE(total - layout.final2Size, payload);
+                EXPECT_GE(layout.leaderSize, 52U);
+                EXPECT_EQ(layout.trailerSize % 1024, 0U);
+            }
+}
+
+} // namespace
+} // namespace Orvi::Test
