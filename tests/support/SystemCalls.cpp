@@ -46,6 +46,7 @@ constinit Next<int()> s_schedYield("sched_yield");
 constinit Next<void *(const char *, int)> s_dlopen("dlopen");
 constinit Next<int(int, const struct sigaction *, struct sigaction *)> s_sigaction("sigaction");
 constinit Next<int(pthread_mutex_t *)> s_mutexDestroy("pthread_mutex_destroy");
+constinit Next<int(pthread_cond_t *, pthread_mutex_t *)> s_condWait("pthread_cond_wait");
 
 } // namespace
 
@@ -119,6 +120,16 @@ int pthread_mutex_destroy(pthread_mutex_t *mutex) noexcept
     const int result = s_mutexDestroy(mutex);
     if (systemCalls.mutexDestroyed)
         systemCalls.mutexDestroyed(mutex, result);
+    return result;
+}
+
+int pthread_cond_wait(pthread_cond_t *__restrict condition, pthread_mutex_t *__restrict mutex)
+{
+    if (!systemCalls.conditionWait)
+        return s_condWait(condition, mutex);
+    systemCalls.conditionWait(+1);
+    const int result = s_condWait(condition, mutex);
+    systemCalls.conditionWait(-1);
     return result;
 }
 

@@ -26,6 +26,7 @@ struct SystemCalls {
     void *(*dlopen)(const char *path, int mode);
     int (*sigaction)(int signal, const struct sigaction *action, struct sigaction *previous);
     void (*mutexDestroyed)(pthread_mutex_t *mutex, int result);
+    void (*conditionWait)(int change); ///< +1 before and -1 after a wait without limit, under its mutex
 };
 extern SystemCalls systemCalls;
 
