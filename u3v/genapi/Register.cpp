@@ -1,0 +1,229 @@
+// Address arithmetic of registers, and their way through the cache to the port.
+
+#include "u3v/genapi/RegisterNodes.h"
+
+#include "u3v/core/Status.h"
+#include "u3v/genapi/MapState.h"
+#include "u3v/genapi/PortNode.h"
+#include "u3v/genapi/Say.h"
+
+#include <algorithm>
+
+namespace Orvi::GenApi {
+
+namespace {
+
+constexpr std::string_view accessNames[] = {"NI", "NA", "WO", "RO", "RW"};
+constexpr std::string_view cachingNames[] = {"NoCache", "WriteThrough", "WriteAround"};
+constexpr std::string_view endianNames[] = {"LittleEndian", "BigEndian"};
+
+/// The camera is gone or silent: the caller needs to see that, whichever node it asked.
+constexpr bool IsLinkFailure(CAM_API_STATUS status)
+{
+    return status == CAM_API_STS_TIMEOUT || status == CAM_API_STS_CAMERA_NOT_RESPONDING ||
+           status == CAM_API_STS_FLUSHED_BY_CAMERA_REMOVE;
+}
+
+template <class F>
+void Transfer(const Run &run, const Node &node, const char *what, std::uint64_t address, F &&f)
+{
+    try {
+        f();
+    } catch (const U3v::StatusError &error) {
+        if (IsLinkFailure(error.Status()))
+            throw;
+        node.Fail(run, Say("cannot ", what, " ", Hex(address), ", ", error.what()));
+    }
+}
+
+} // namespace
+
+bool RegisterNode::TakeRegister(const Property &property)
+{
+    switch (property.prop) {
+    // clang-format off
+    case Prop::Address:    address_ += property.Int(); return true;
+    case Prop::pAddress:   addresses_.push_back(property.Target(Role::Address)); return true;
+    case Prop::IntSwissKnife: addresses_.push_back(property.Inner(Role::Address)); return true;
+    case Prop::Length:     length_.Take(property.Int()); return true;
+    case Prop::pLength:    length_.Take(property.Target(Role::Address)); return true;
+    case Prop::AccessMode: accessMode_ = property.OneOf<AccessMode>(accessNames); return true;
+    case Prop::Cachable:   caching_ = property.OneOf<CachingMode>(cachingNames); return true;
+    case Prop::PollingTime: pollingTime_ = property.Int(); return true;
+    case Prop::Endianess:  bigEndian_ = property.OneOf<int>(endianNames) == 1; return true;
+    case Prop::Swap:       if (property.YesNo()) bigEndian_ = !bigEndian_; return true;
+        // clang-format on
+    case Prop::pPort:
+        port_ = dynamic_cast<PortNode *>(property.Target(Role::Port));
+        if (port_ == nullptr)
+            property.Fail(Say("'", property.Text(), "' is no Port"));
+        return true;
+    case Prop::pIndex: {
+        Offset offset{property.Target(Role::Address), 0, nullptr};
+        if (!property.Attribute("pOffset").empty())
+            offset.factorNode = property.AttributeTarget("pOffset", Role::Address);
+        else if (!property.Attribute("Offset").empty())
+            offset.factor = property.IntAttribute("Offset");
+        offsets_.push_back(offset);
+        return true;
+    }
+    default:
+        return false;
+    }
+}
+
+void RegisterNode::FinishRegister(Loader &loader, std::size_t limit)
+{
+    moves_ = !addresses_.empty() || !offsets_.empty();
+    if (!length_.given)
+        FailLoading(loader, AsNode(), "has no Length");
+    if (length_.node == nullptr) {
+        const std::int64_t length = length_.constant;
+        const std::size_t most = limit != 0 ? limit : maxLength;
+        if (length <= 0 || static_cast<std::uint64_t>(length) > most)
+            FailLoading(loader, AsNode(),
+                        Say("has a Length of ", Text(length), ", 1 to ", std::to_string(most), " can be"));
+        // An index without an offset counts registers.
+        for (Offset &offset : offsets_)
+            if (offset.factor == 0 && offset.factorNode == nullptr)
+                offset.factor = length;
+    } else if (limit != 0) {
+        FailLoading(loader, AsNode(), "has a pLength, a constant Length is needed");
+    }
+}
+
+AccessMode RegisterNode::RegisterAccess(Run &run)
+{
+    for (Node *node : addresses_)
+        if (!IsReadable(node->Access(run)))
+            return AccessMode::NotAvailable;
+    for (const Offset &offset : offsets_)
+        if (!IsReadable(offset.index->Access(run)))
+            return AccessMode::NotAvailable;
+    return port_ && !port_->IsAlwaysOpen() ? Combine(accessMode_, port_->Access(run)) : accessMode_;
+}
+
+bool RegisterNode::IsBigEndian() const { return bigEndian_ != (port_ != nullptr && port_->SwapsEndianess()); }
+
+std::uint64_t RegisterNode::AddressNow(Run &run)
+{
+    auto address = static_cast<std::uint64_t>(address_);
+    if (!moves_)
+        return address;
+    run.map.Step(run, AsNode());
+    for (Node *node : addresses_)
+        address += static_cast<std::uint64_t>(node->GetInt(run));
+    for (const Offset &offset : offsets_) {
+        const std::int64_t factor = offset.factorNode ? offset.factorNode->GetInt(run) : offset.factor;
+        address += static_cast<std::uint64_t>(offset.index->GetInt(run)) * static_cast<std::uint64_t>(factor);
+    }
+    return address;
+}
+
+std::size_t RegisterNode::LengthNow(Run &run)
+{
+    const std::int64_t length = length_.Get(run);
+    if (length < 0 || static_cast<std::uint64_t>(length) > maxLength)
+        AsNode().Fail(run, Say("has a length of ", Text(length), " bytes, ", std::to_string(maxLength), " can be"));
+    return static_cast<std::size_t>(length);
+}
+
+bool RegisterNode::IsRemembered() const
+{
+    return caching_ != CachingMode::NoCache && (port_ == nullptr || port_->IsCamera());
+}
+
+bool RegisterNode::IsExpired(MapState &map) const
+{
+    return pollingTime_ > 0 && map.Now() - lastRead_ >= std::chrono::milliseconds(pollingTime_);
+}
+
+void RegisterNode::Read(Run &run, std::span<std::byte> data)
+{
+    if (accessMode_ == AccessMode::WriteOnly)
+        AsNode().Fail(run, "cannot be read, it is write-only");
+    const std::uint64_t address = AddressNow(run);
+    const bool ask = run.ignoreCache || !IsRemembered() || (pollingTime_ > 0 && moves_ && address != lastAddress_) ||
+                     IsExpired(run.map);
+    if (!ask) {
+        if (page_ ? page_->Read(address % RegisterCache::Page::size, data) : run.map.cache.Read(address, data))
+            return;
+    }
+    ReadPort(run, address, data);
+}
+
+void RegisterNode::ReadPort(Run &run, std::uint64_t address, std::span<std::byte> data)
+{
+    Transfer(run, AsNode(), "read", address, [&] {
+        if (port_)
+            port_->Read(run, address, data);
+        else
+            run.map.port.Read(address, data);
+    });
+    if (IsRemembered())
+        Remember(run.map, address, data);
+}
+
+void RegisterNode::Remember(MapState &map, std::uint64_t address, std::span<const std::byte> data)
+{
+    if (pollingTime_ > 0)
+        lastRead_ = map.Now();
+    lastAddress_ = address;
+    map.cache.Store(address, data);
+    if (!moves_ && address % RegisterCache::Page::size + data.size() <= RegisterCache::Page::size)
+        page_ = map.cache.PageOf(address);
+    if (moves_ && std::find(used_.begin(), used_.end(), address) == used_.end()) {
+        constexpr std::size_t maxUsed = 256;
+        if (used_.size() == maxUsed) {
+            for (const std::uint64_t old : used_)
+                map.cache.Forget(old, data.size());
+            used_.clear();
+            map.cache.Store(address, data);
+        }
+        used_.push_back(address);
+    }
+}
+
+void RegisterNode::Write(Run &run, std::span<const std::byte> data, std::span<const std::byte> mask)
+{
+    if (accessMode_ != AccessMode::ReadWrite && accessMode_ != AccessMode::WriteOnly)
+        AsNode().Fail(run, "cannot be written, it is read-only");
+    const std::uint64_t address = AddressNow(run);
+    // Nothing is known of what a write leaves behind until it has succeeded.
+    if (port_ == nullptr || port_->IsCamera())
+        run.map.cache.Forget(address, data.size());
+    Transfer(run, AsNode(), "write", address, [&] {
+        if (port_)
+            port_->Write(run, address, data);
+        else
+            run.map.port.Write(address, data);
+    });
+    if (caching_ == CachingMode::WriteThrough && IsRemembered())
+        Remember(run.map, address, data);
+    run.map.Changed(AsNode());
+    if (!run.verify || accessMode_ != AccessMode::ReadWrite)
+        return;
+    std::vector<std::byte> back(data.size());
+    ReadPort(run, address, back);
+    for (std::size_t i = 0; i < data.size(); ++i)
+        if (((back[i] ^ data[i]) & (mask.empty() ? std::byte{0xFF} : mask[i])) != std::byte{0})
+            AsNode().Fail(run, Say("does not keep what was written to ", Hex(address), ", byte ", std::to_string(i),
+                                   " reads ", Hex(std::to_integer<std::uint64_t>(back[i])), " after ",
+                                   Hex(std::to_integer<std::uint64_t>(data[i]))));
+}
+
+void RegisterNode::ForgetValue(MapState &map)
+{
+    if (length_.node != nullptr) {
+        map.cache.ForgetAll();
+        return;
+    }
+    const auto length = static_cast<std::size_t>(length_.constant);
+    if (!moves_)
+        map.cache.Forget(static_cast<std::uint64_t>(address_), length);
+    for (const std::uint64_t address : used_)
+        map.cache.Forget(address, length);
+    used_.clear();
+}
+
+} // namespace Orvi::GenApi
