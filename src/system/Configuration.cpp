@@ -44,7 +44,7 @@ std::string FindFile()
 {
     char szProgram[4096] = {};
     if (readlink("/proc/self/exe", szProgram, sizeof szProgram - 1) > 0) {
-        const std::string candidate = std::string(dirname(szProgram)) + "/" + s_fileName;
+        std::string candidate = std::string(dirname(szProgram)) + "/" + s_fileName;
         if (Exists(candidate))
             return candidate;
     }
