@@ -1,7 +1,7 @@
 #pragma once
 // The virtual camera put together: endpoints, registers, control server, events, and the thread on which the sensor
-// lives. Three sources: Device.cpp (USB side and plug), DeviceRegisters.cpp (what writes mean), DeviceSensor.cpp
-// (acquisition).
+// lives. Its sources: Device.cpp (USB side and plug), PowerUp.cpp (initial registers), DeviceRegisters.cpp (what writes
+// mean), DeviceFeatures.cpp (features that act), DeviceSensor.cpp (acquisition).
 
 #include "vcam/ControlBlocks.h"
 #include "vcam/EventQueue.h"
@@ -59,7 +59,6 @@ class Device final : public VirtualCamera, private GenCpMemory {
     void QueueAcks(std::span<const std::byte> command, GenCpServer::Packet ack);
     std::vector<std::byte> TakeAck();
     void AckSent();
-    void RequestUnplug();
     void TellObserver();
 
     // DeviceRegisters.cpp

@@ -104,16 +104,21 @@ void Painter::DrawMark(std::uint64_t block)
     markArea_ = {mark.BoxLines(), mark.BoxColumns()};
     const std::int64_t lastLine = std::min<std::int64_t>(markArea_.lines.last, settings_.height - 1);
     const std::int64_t lastColumn = std::min<std::int64_t>(markArea_.columns.last, settings_.width - 1);
-    for (std::int64_t line = markArea_.lines.first; line <= lastLine; ++line) {
+    // The mark is made of squares: one line of each row of squares tells the runs of all its lines.
+    const std::int64_t dot = mark.Scale();
+    for (std::int64_t row = markArea_.lines.first; row <= lastLine; row += dot) {
+        const auto isWhite = [&](std::int64_t column) {
+            return mark.At(static_cast<std::uint32_t>(column), static_cast<std::uint32_t>(row)) == true;
+        };
         for (std::int64_t start = markArea_.columns.first; start <= lastColumn;) {
-            // Runs of one colour.
-            const auto y = static_cast<std::uint32_t>(line);
-            const bool isWhite = mark.At(static_cast<std::uint32_t>(start), y) == true;
-            std::int64_t end = start + 1;
-            while (end <= lastColumn && (mark.At(static_cast<std::uint32_t>(end), y) == true) == isWhite) {
-                ++end;
+            const bool isRunWhite = isWhite(start);
+            std::int64_t end = start + dot;
+            while (end <= lastColumn && isWhite(end) == isRunWhite) {
+                end += dot;
             }
-            Paint(isWhite ? white_ : black_, line, {start, end - 1});
+            for (std::int64_t line = row; line < row + dot && line <= lastLine; ++line) {
+                Paint(isRunWhite ? white_ : black_, line, {start, end - 1});
+            }
             start = end;
         }
     }

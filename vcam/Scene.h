@@ -91,6 +91,8 @@ class BlockIdMark {
     std::optional<bool> At(std::uint32_t x, std::uint32_t y) const;
     std::uint32_t BitColumns() const { return bitColumns_; }
     bool Bit(std::uint32_t x) const { return (block_ >> (bitColumns_ - 1 - x) & 1) != 0; }
+    /// Side of the squares that the digits and their box are made of.
+    std::uint32_t Scale() const { return scale_; }
     Interval BoxLines() const { return {scale_, std::int64_t{scale_} * 10 - 1}; }
     Interval BoxColumns() const { return {scale_, std::int64_t{scale_} * (2 + 6 * digitCount_) - 1}; }
 
