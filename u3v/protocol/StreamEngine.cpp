@@ -316,6 +316,9 @@ bool StreamEngine::CanPost() const
 {
     if (!isRunning_ || isGone_ || Clock::now() < notBefore_)
         return false;
+    // Behind a broken frame nothing can be in step.
+    if (underWay_ != 0 && FrameAt(underWay_ - 1).IsBroken())
+        return false;
     const bool isTailOpen = underWay_ != 0 && !FrameAt(underWay_ - 1).IsFullyPosted();
     if (!isTailOpen && (underWay_ == frames_.size() || waiting_.IsEmpty()))
         return false;
@@ -332,7 +335,7 @@ void StreamEngine::PostNext(std::unique_lock<std::mutex> &lock)
     }
     StreamFrame &frame = FrameAt(underWay_ - 1);
     isRefused_ = false;
-    while (!frame.IsFullyPosted() && CanPost() && !frame.IsBroken()) {
+    while (!frame.IsFullyPosted() && CanPost()) {
         bytesInFlight_ += frame.NextSize();
         const std::size_t transfer = frame.CountPosted();
         lock.unlock();
