@@ -44,6 +44,7 @@ constinit Next<time_t(time_t *)> s_time("time");
 constinit Next<int(unsigned)> s_usleep("usleep");
 constinit Next<int()> s_schedYield("sched_yield");
 constinit Next<void *(const char *, int)> s_dlopen("dlopen");
+constinit Next<int(void *)> s_dlclose("dlclose");
 constinit Next<int(int, const struct sigaction *, struct sigaction *)> s_sigaction("sigaction");
 constinit Next<int(pthread_mutex_t *)> s_mutexDestroy("pthread_mutex_destroy");
 constinit Next<int(pthread_cond_t *, pthread_mutex_t *)> s_condWait("pthread_cond_wait");
@@ -58,6 +59,7 @@ int sigaction(int signal, const struct sigaction *action, struct sigaction *prev
     return s_sigaction(signal, action, previous);
 }
 void *dlopen(const char *path, int mode) { return s_dlopen(path, mode); }
+int dlclose(void *library) { return s_dlclose(library); }
 int usleep(unsigned microseconds) { return s_usleep(microseconds); }
 } // namespace Real
 
@@ -108,6 +110,8 @@ void *dlopen(const char *path, int mode) noexcept
 {
     return systemCalls.dlopen ? systemCalls.dlopen(path, mode) : s_dlopen(path, mode);
 }
+
+int dlclose(void *library) noexcept { return systemCalls.dlclose ? systemCalls.dlclose(library) : s_dlclose(library); }
 
 int sigaction(int signal, const struct sigaction *__restrict action, struct sigaction *__restrict previous) noexcept
 {

@@ -24,6 +24,7 @@ struct SystemCalls {
     int (*usleep)(unsigned microseconds);
     int (*sched_yield)();
     void *(*dlopen)(const char *path, int mode);
+    int (*dlclose)(void *library);
     int (*sigaction)(int signal, const struct sigaction *action, struct sigaction *previous);
     void (*mutexDestroyed)(pthread_mutex_t *mutex, int result);
     void (*conditionWait)(int change); ///< +1 before and -1 after a wait without limit, under its mutex
@@ -36,6 +37,7 @@ int stat(const char *path, struct stat *facts);
 int statvfs(const char *path, struct statvfs *facts);
 int sigaction(int signal, const struct sigaction *action, struct sigaction *previous);
 void *dlopen(const char *path, int mode);
+int dlclose(void *library);
 int usleep(unsigned microseconds);
 } // namespace Real
 
