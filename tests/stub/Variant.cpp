@@ -1,7 +1,6 @@
 #include "tests/stub/Variant.h"
 
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 namespace Orvi::Stub {
@@ -26,7 +25,8 @@ void MakeSdkWithout(std::initializer_list<Entry> missing, const std::filesystem:
 {
     constexpr const char *library = "lib/libOrviU3vCamApi_64.so";
     std::ifstream in(std::filesystem::path(ORVI_STUB_SDK) / library, std::ios::binary);
-    std::string file{std::istreambuf_iterator<char>(in), {}};
+    std::string file(std::filesystem::file_size(std::filesystem::path(ORVI_STUB_SDK) / library), '\0');
+    in.read(file.data(), static_cast<std::streamsize>(file.size()));
     for (const Entry entry : missing)
         Rename(file, std::string("UC_") + NameOf(entry));
     std::filesystem::create_directories(sdkFolder / "lib");
