@@ -4,7 +4,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <regex>
 #include <stdexcept>
 
 namespace Orvi::Testing {
@@ -44,8 +43,13 @@ std::vector<std::string> LogCapture::Take()
 
 std::string WithoutHead(const std::string &line)
 {
-    static const std::regex head(R"(^\d+\.\d{6},AP[IL] (.{6})ThreadId:0x[0-9a-f]{8},)");
-    return std::regex_replace(line, head, "$1", std::regex_constants::format_first_only);
+    // 12.000345,API INFO ,ThreadId:0x5a3c1700,text
+    constexpr std::size_t tagSize = 5, levelSize = 6, threadSize = 20;
+    const std::size_t tag = line.find_first_not_of("0123456789.");
+    if (tag == 0 || tag == std::string::npos || line.size() < tag + tagSize + levelSize + threadSize ||
+        line.compare(tag, 3, ",AP") != 0 || line.compare(tag + tagSize + levelSize, 11, "ThreadId:0x") != 0)
+        return line;
+    return line.substr(tag + tagSize, levelSize) + line.substr(tag + tagSize + levelSize + threadSize);
 }
 
 } // namespace Orvi::Testing
