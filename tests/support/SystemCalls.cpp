@@ -48,6 +48,7 @@ constinit Next<int(void *)> s_dlclose("dlclose");
 constinit Next<int(int, const struct sigaction *, struct sigaction *)> s_sigaction("sigaction");
 constinit Next<int(pthread_mutex_t *)> s_mutexDestroy("pthread_mutex_destroy");
 constinit Next<int(pthread_cond_t *, pthread_mutex_t *)> s_condWait("pthread_cond_wait");
+constinit Next<int(pthread_cond_t *, pthread_mutex_t *, const timespec *)> s_condTimedWait("pthread_cond_timedwait");
 
 } // namespace
 
@@ -135,6 +136,12 @@ int pthread_cond_wait(pthread_cond_t *__restrict condition, pthread_mutex_t *__r
     const int result = s_condWait(condition, mutex);
     systemCalls.conditionWait(-1);
     return result;
+}
+
+int pthread_cond_timedwait(pthread_cond_t *__restrict condition, pthread_mutex_t *__restrict mutex,
+                           const timespec *__restrict deadline)
+{
+    return systemCalls.timedWait ? systemCalls.timedWait(deadline) : s_condTimedWait(condition, mutex, deadline);
 }
 
 } // extern "C"

@@ -27,7 +27,8 @@ struct SystemCalls {
     int (*dlclose)(void *library);
     int (*sigaction)(int signal, const struct sigaction *action, struct sigaction *previous);
     void (*mutexDestroyed)(pthread_mutex_t *mutex, int result);
-    void (*conditionWait)(int change); ///< +1 before and -1 after a wait without limit, under its mutex
+    int (*timedWait)(const timespec *deadline); ///< instead of waiting for a condition until then
+    void (*conditionWait)(int change);          ///< +1 before and -1 after a wait without limit, under its mutex
 };
 extern SystemCalls systemCalls;
 
