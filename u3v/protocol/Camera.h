@@ -36,7 +36,7 @@ enum class InfoItem : std::uint32_t {
     MaxTransferSize,
 };
 
-class Camera : private UsbLink::GoneListener {
+class Camera final : private UsbLink::GoneListener {
   public:
     struct Options {
         void *removalSignal = nullptr; ///< set when the camera is unplugged

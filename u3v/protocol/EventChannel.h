@@ -16,7 +16,7 @@
 
 namespace Orvi::U3v {
 
-class EventChannel : private BulkIn::Listener, private Camera::Channel {
+class EventChannel final : private BulkIn::Listener, private Camera::Channel {
   public:
     using Book = RequestBook<HandleKind::EventRequest>;
 

@@ -16,7 +16,7 @@
 
 namespace Orvi::U3v {
 
-class StreamEngine : private BulkIn::Listener, private Camera::Channel {
+class StreamEngine final : private BulkIn::Listener, private Camera::Channel {
   public:
     class Sink {
       public:
