@@ -14,7 +14,7 @@ using EnvironmentTest = SystemTest;
 namespace {
 
 std::vector<std::string> s_asked;
-mode_t s_mode;
+Lines s_made;
 
 int HideDefaultSdk(const char *path, struct stat *facts)
 {
@@ -93,15 +93,21 @@ TEST_F(EnvironmentTest, WithoutAHomeThereIsNoCacheFolder)
     EXPECT_EQ(Sys_Terminate(), 0u);
 }
 
-TEST_F(EnvironmentTest, FoldersAreMadeForAll)
+TEST_F(EnvironmentTest, FoldersAreMadeOneByOneForAllUsers)
 {
-    calls->mkdir = [](const char *, mode_t mode) {
-        s_mode = mode;
-        errno = EACCES;
-        return -1;
-    };
-    EXPECT_EQ(Sys_Initialize(SYS_INIT_U3V), 0u);
-    EXPECT_EQ(s_mode, 0777u);
+    for (const std::string &home : {Home().string(), std::string("")}) { // an empty home is the root
+        const ScopedVariable variable("HOME", home);
+        s_made.clear();
+        calls->mkdir = [](const char *path, mode_t mode) {
+            EXPECT_EQ(mode, 0777u);
+            s_made.emplace_back(path);
+            return 0;
+        };
+        EXPECT_EQ(Sys_Initialize(SYS_INIT_GEV), 0x103u);
+        EXPECT_EQ(s_made,
+                  (Lines{home + "/OrviCamSDK", home + "/OrviCamSDK/genicam", home + "/OrviCamSDK/genicam/cache"}));
+        EXPECT_EQ(Variable("GENICAM_CACHE_V3_0"), home + "/OrviCamSDK/genicam/cache");
+    }
 }
 
 /// What stands in the way of the cache folder.
