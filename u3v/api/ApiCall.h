@@ -20,18 +20,26 @@
 #include <cstring>
 #include <new>
 #include <string_view>
+#include <type_traits>
 
 namespace Orvi::U3v {
 
 /// The status for the exception that is being handled; a GenICam failure is recorded.
 CAM_API_STATUS StatusOfException() noexcept;
 
+/// A body may also return a status, for outcomes too frequent to be thrown.
 template <class Body>
 CAM_API_STATUS ApiCall(Body &&body) noexcept
 {
+    using Result = decltype(body());
+    static_assert(std::is_void_v<Result> || std::is_same_v<Result, CAM_API_STATUS>);
     try {
-        body();
-        return CAM_API_STS_SUCCESS;
+        if constexpr (std::is_void_v<Result>) {
+            body();
+            return CAM_API_STS_SUCCESS;
+        } else {
+            return body();
+        }
     } catch (...) {
         return StatusOfException();
     }

@@ -92,15 +92,18 @@ CAM_API_STATUS UC_Strm_QueueBuffer(CAM_HANDLE hStrm, CAM_HANDLE hStrmRequest)
 CAM_API_STATUS UC_Strm_GetBuffer(CAM_HANDLE hStrm, CAM_HANDLE *phStrmRequest, void **ppvPayloadBuf,
                                  uint32_t *puiPayloadSize)
 {
-    return ApiCall([&] {
+    return ApiCall([&]() -> CAM_API_STATUS {
         const auto stream = Streams().Get(hStrm);
         Require(phStrmRequest);
-        const Request &request = stream->Requests().AllRequests().TakeComplete();
-        *phStrmRequest = request.handle;
+        const Request *request = stream->Requests().AllRequests().TakeComplete();
+        if (request == nullptr)
+            return CAM_API_STS_EMPTY_COMPLETE_QUEUE;
+        *phStrmRequest = request->handle;
         if (ppvPayloadBuf != nullptr)
-            *ppvPayloadBuf = request.memory;
+            *ppvPayloadBuf = request->memory;
         if (puiPayloadSize != nullptr)
-            *puiPayloadSize = static_cast<uint32_t>(request.info.ullValidPayloadSize);
+            *puiPayloadSize = static_cast<uint32_t>(request->info.ullValidPayloadSize);
+        return CAM_API_STS_SUCCESS;
     });
 }
 

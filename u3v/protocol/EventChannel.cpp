@@ -137,20 +137,18 @@ void EventChannel::Flush()
         CompleteWaiting(CAM_API_STS_FLUSH_REQUESTED);
         return;
     }
-    try {
-        for (;;) {
-            Request &request = book_.TakeComplete();
-            std::lock_guard lock(mutex_);
-            waiting_.PushBack(request);
-        }
-    } catch (const StatusError &) {
-        // No event waits any more.
+    while (Request *request = book_.TakeComplete()) {
+        std::lock_guard lock(mutex_);
+        waiting_.PushBack(*request);
     }
 }
 
 EventChannel::Delivered EventChannel::Take(std::uint64_t &handle)
 {
-    Request &request = book_.TakeComplete();
+    Request *const complete = book_.TakeComplete();
+    if (complete == nullptr)
+        throw StatusError(CAM_API_STS_EMPTY_COMPLETE_QUEUE, "no event has arrived");
+    Request &request = *complete;
     if (HasOwnBuffers()) {
         std::lock_guard lock(mutex_);
         if (lent_ != nullptr)

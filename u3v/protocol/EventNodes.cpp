@@ -24,7 +24,7 @@ void EventNodes::Activate(const std::string &name, const std::string &nodeName, 
         if (active.name == name)
             throw StatusError(CAM_API_STS_ALREADY_ACTIVATED, "the event " + name + " is on");
     // Known before the first one arrives, which may be at once.
-    active_.push_back({name, nodeName, signal, std::nullopt});
+    active_.push_back({name, nodeName, signal, IdOf(nodeName)});
     try {
         Switch(name, true);
     } catch (...) {
@@ -74,7 +74,7 @@ EventNodes::Known EventNodes::Deliver(const EventEntry &event)
         camera_.Nodes().DeliverEvent(event.id, event.raw);
         std::lock_guard lock(mutex_);
         for (Active &active : active_) {
-            // The node named as the event is shows the event's id, on some cameras only after the first one.
+            // Where the description does not tell the id, the node named as the event shows it, perhaps only now.
             if (!active.id && ReadNode(active.nodeName) == event.id)
                 active.id = event.id;
             if (active.id != event.id)
@@ -86,6 +86,13 @@ EventNodes::Known EventNodes::Deliver(const EventEntry &event)
         LogDevice(CAM_LOG_LEVEL_WARN, "event 0x%04X not shown by its nodes: %s", event.id, error.what());
     }
     return known;
+}
+
+std::optional<std::uint64_t> EventNodes::IdOf(const std::string &nodeName)
+{
+    const GenApi::NodeMap &nodes = camera_.Nodes();
+    const auto node = nodes.Find(nodeName);
+    return node ? nodes.EventId(*node) : std::nullopt;
 }
 
 std::optional<std::int64_t> EventNodes::ReadNode(const std::string &name)

@@ -33,10 +33,11 @@ class EventNodes {
         std::string name;
         std::string nodeName;
         void *signal;
-        std::optional<std::uint16_t> id; ///< known once one has arrived, or when the node tells it before
+        std::optional<std::uint64_t> id; ///< known once one has arrived, or when the description tells it
     };
 
     void Switch(const std::string &name, bool on);
+    std::optional<std::uint64_t> IdOf(const std::string &nodeName);
     std::optional<std::int64_t> ReadNode(const std::string &name);
 
     Camera &camera_;

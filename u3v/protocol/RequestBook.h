@@ -78,15 +78,15 @@ class RequestBook {
         SetSignal(signal_);
     }
 
-    /// The oldest complete request, which is its owner's again. Throws StatusError(0x14) when none is complete.
-    Request &TakeComplete()
+    /// The oldest complete request, which is its owner's again; null when none is. Asked once too often for every
+    /// image, so an empty queue is no exception.
+    Request *TakeComplete()
     {
         std::lock_guard lock(mutex_);
         Request *request = complete_.PopFront();
-        if (request == nullptr)
-            throw StatusError(CAM_API_STS_EMPTY_COMPLETE_QUEUE, "no request is complete");
-        request->place = Request::Place::Owner;
-        return *request;
+        if (request != nullptr)
+            request->place = Request::Place::Owner;
+        return request;
     }
 
     /// Forgets all requests; nobody may be filling one.
