@@ -1,11 +1,11 @@
 // The bytes of a line. Applications parse them.
 
 #include "tests/log/LogTest.h"
-#include "tests/support/StatusTable.h"
 
 #include "log/UNI_Log.h"
 
-#include <regex>
+#include <gmock/gmock.h>
+
 #include <sstream>
 #include <thread>
 
@@ -107,8 +107,7 @@ TEST_F(LogLineTest, RealClockGivesTheSameShape)
     calls->gettimeofday = nullptr;
     ASSERT_EQ(Log_InitializeMem(10000, 0), 0u);
     Log_Write(4, "text");
-    const std::string line = RingBytes();
-    EXPECT_TRUE(std::regex_match(line, std::regex("\\d+\\.\\d{6},APL FATAL,ThreadId:0x[0-9a-f]{8},text\n"))) << line;
+    EXPECT_THAT(RingBytes(), ::testing::MatchesRegex("[0-9]+\\.[0-9]{6},APL FATAL,ThreadId:0x[0-9a-f]{8},text\n"));
 }
 
 TEST_F(LogLineTest, ThreadsDoNotMixTheirLines)
@@ -122,12 +121,13 @@ TEST_F(LogLineTest, ThreadsDoNotMixTheirLines)
     std::thread first(write, "first thread"), second(write, "second");
     first.join();
     second.join();
-    const std::regex shape("0\\.000000,APL INFO ,ThreadId:0x[0-9a-f]{8},(first thread|second)");
-    std::istringstream lines(FileBytes());
-    int good = 0;
-    for (std::string line; std::getline(lines, line);)
-        good += std::regex_match(line, shape);
-    EXPECT_EQ(good, 2 * count);
+    const auto isWhole = ::testing::MatchesRegex("0\\.000000,APL INFO ,ThreadId:0x[0-9a-f]{8},(first thread|second)");
+    std::istringstream stream(FileBytes());
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    EXPECT_EQ(lines.size(), std::size_t{2 * count});
+    EXPECT_THAT(lines, ::testing::Each(isWhole));
 }
 
 } // namespace Orvi::Testing

@@ -122,6 +122,8 @@ int sigaction(int signal, const struct sigaction *__restrict action, struct siga
 
 int pthread_mutex_destroy(pthread_mutex_t *mutex) noexcept
 {
+    if (systemCalls.mutexDestroy)
+        return systemCalls.mutexDestroy(mutex);
     const int result = s_mutexDestroy(mutex);
     if (systemCalls.mutexDestroyed)
         systemCalls.mutexDestroyed(mutex, result);

@@ -26,6 +26,7 @@ struct SystemCalls {
     void *(*dlopen)(const char *path, int mode);
     int (*dlclose)(void *library);
     int (*sigaction)(int signal, const struct sigaction *action, struct sigaction *previous);
+    int (*mutexDestroy)(pthread_mutex_t *mutex); ///< instead of destroying it
     void (*mutexDestroyed)(pthread_mutex_t *mutex, int result);
     int (*timedWait)(const timespec *deadline); ///< instead of waiting for a condition until then
     void (*conditionWait)(int change);          ///< +1 before and -1 after a wait without limit, under its mutex

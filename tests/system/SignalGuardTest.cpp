@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <csetjmp>
 #include <csignal>
 #include <cstring>
@@ -211,7 +212,7 @@ TEST(SignalGuard, CloseThatFailsLeavesTheLibrarysHandler)
     EXPECT_TRUE(PassesInChild([] {
         InstallOwnHandler();
         const CAM_HANDLE hSignal = Create();
-        pthread_mutex_lock(&RecordOf(hSignal).mutex);
+        systemCalls.mutexDestroy = [](pthread_mutex_t *) { return EBUSY; };
         EXPECT_EQ(Sys_CloseSignal(hSignal), 0xFFFFFFFFu);
         ExpectLibrarysHandler();
     }));

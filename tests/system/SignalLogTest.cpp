@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <csignal>
 
 namespace Orvi::Testing {
@@ -124,16 +125,17 @@ TEST_F(SignalLogTest, SetAndResetAreSilentUnlessTheMarkIsBad)
     Sys_CloseSignal(hSignal);
 }
 
-TEST_F(SignalLogTest, CloseOfALockedSignalFails)
+TEST_F(SignalLogTest, CloseOfASignalInUseFails)
 {
     const CAM_HANDLE hSignal = Create();
-    SignalRecord &record = RecordOf(hSignal);
-    pthread_mutex_lock(&record.mutex);
-    EXPECT_EQ(Sys_CloseSignal(hSignal), 0xFFFFFFFFu);
+    {
+        const ScopedSystemCalls calls;
+        calls->mutexDestroy = [](pthread_mutex_t *) { return EBUSY; };
+        EXPECT_EQ(Sys_CloseSignal(hSignal), 0xFFFFFFFFu);
+    }
     EXPECT_EQ(log.Take(), (Lines{CloseLine(hSignal), ExitLine(0xFFFFFFFF, "Sys_CloseSignal")}));
-    EXPECT_EQ(record.signalled, 1u);
-    EXPECT_EQ(record.magic, 0x54321u) << "it is alive still";
-    pthread_mutex_unlock(&record.mutex);
+    EXPECT_EQ(RecordOf(hSignal).signalled, 1u);
+    EXPECT_EQ(RecordOf(hSignal).magic, 0x54321u) << "it is alive still";
     EXPECT_EQ(Sys_CloseSignal(hSignal), 0u);
 }
 
