@@ -23,14 +23,6 @@ Bytes BytesOf(const std::string &text)
     return {bytes.begin(), bytes.end()};
 }
 
-Bytes Joined(std::initializer_list<Bytes> parts)
-{
-    Bytes all;
-    for (const Bytes &part : parts)
-        all.insert(all.end(), part.begin(), part.end());
-    return all;
-}
-
 Bytes Zip(const std::string &text)
 {
     std::vector<Bytef> packed(compressBound(static_cast<uLong>(text.size())) + 64);

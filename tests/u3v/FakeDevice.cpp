@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstring>
 #include <stdexcept>
 
 namespace Orvi::Test {
@@ -25,6 +24,18 @@ T Load(std::span<const std::byte> bytes, std::size_t offset)
 }
 
 } // namespace
+
+Bytes Joined(std::initializer_list<Bytes> parts)
+{
+    std::size_t size = 0;
+    for (const Bytes &part : parts)
+        size += part.size();
+    Bytes all(size);
+    auto at = all.begin();
+    for (const Bytes &part : parts)
+        at = std::copy(part.begin(), part.end(), at);
+    return all;
+}
 
 FakeDevice::FakeDevice()
 {
@@ -72,9 +83,7 @@ std::uint32_t FakeDevice::Get32(std::uint64_t address) const
 
 Bytes FakeDevice::Ack(const Command &command, std::uint16_t status, std::uint16_t ackId, const Bytes &scd)
 {
-    Bytes packet = Pack(controlPrefix, status, ackId, static_cast<std::uint16_t>(scd.size()), command.requestId);
-    packet.insert(packet.end(), scd.begin(), scd.end());
-    return packet;
+    return Joined({Pack(controlPrefix, status, ackId, static_cast<std::uint16_t>(scd.size()), command.requestId), scd});
 }
 
 Bytes FakeDevice::Answer(const Command &command)
@@ -326,11 +335,10 @@ Bytes Trailer(std::uint64_t blockId, std::uint64_t payloadSize, std::uint32_t he
 
 Bytes EventPacket(std::uint16_t eventId, std::uint64_t timestamp, const Bytes &data)
 {
-    Bytes packet =
-        Pack(std::uint32_t{0x45563355}, std::uint16_t{0}, std::uint16_t{0x0C00},
-             static_cast<std::uint16_t>(12 + data.size()), std::uint16_t{1}, std::uint16_t{0}, eventId, timestamp);
-    packet.insert(packet.end(), data.begin(), data.end());
-    return packet;
+    return Joined(
+        {Pack(std::uint32_t{0x45563355}, std::uint16_t{0}, std::uint16_t{0x0C00},
+              static_cast<std::uint16_t>(12 + data.size()), std::uint16_t{1}, std::uint16_t{0}, eventId, timestamp),
+         data});
 }
 
 } // namespace Orvi::Test

@@ -5,8 +5,10 @@
 #include "vcam/UsbFunction.h"
 
 #include <condition_variable>
+#include <cstring>
 #include <deque>
 #include <functional>
+#include <initializer_list>
 #include <map>
 #include <mutex>
 #include <vector>
@@ -18,14 +20,13 @@ using Bytes = std::vector<std::byte>;
 template <class... T>
 Bytes Pack(T... values)
 {
-    Bytes bytes;
-    const auto put = [&](auto value) {
-        const auto *from = reinterpret_cast<const std::byte *>(&value);
-        bytes.insert(bytes.end(), from, from + sizeof value);
-    };
-    (put(values), ...);
+    Bytes bytes((sizeof(T) + ...));
+    std::size_t at = 0;
+    ((std::memcpy(bytes.data() + at, &values, sizeof values), at += sizeof values), ...);
     return bytes;
 }
+
+Bytes Joined(std::initializer_list<Bytes> parts);
 
 struct Command {
     std::uint16_t flags, id, requestId;
