@@ -84,7 +84,7 @@ TEST_F(LogFolderTest, BareNameIsTheCurrentFolder)
 
 TEST_F(LogFolderTest, PathBeyondAllLimits)
 {
-    for (const std::size_t size : {4095, 4096, 4097, 5000}) {
+    for (const std::size_t size : {4095u, 4096u, 4097u, 5000u}) {
         const std::string path = Path("").string() + std::string(size, 'x') + "/log.txt";
         EXPECT_NE(Log_InitializeFile(path.c_str(), false, 0), 0u) << size;
     }

@@ -25,7 +25,7 @@ using enum Started;
 TEST_F(ConfigurationLinesTest, LongLinesAreReadInPiecesOf255)
 {
     for (const char *end : {"", "\n", "\r\n"}) {
-        for (const std::size_t size : {100, 253, 254, 255, 256, 257, 300, 600}) {
+        for (const std::size_t size : {100u, 253u, 254u, 255u, 256u, 257u, 300u, 600u}) {
             SCOPED_TRACE(std::to_string(size) + " characters");
             WriteFile(ConfigurationFile(), LineOf(size) + end);
             const std::string folder = FolderOf(std::min<std::size_t>(size, 255));
@@ -36,7 +36,7 @@ TEST_F(ConfigurationLinesTest, LongLinesAreReadInPiecesOf255)
 
 TEST_F(ConfigurationLinesTest, EachPieceIsALineOfItsOwn)
 {
-    for (const std::size_t pieces : {1, 2}) {
+    for (const std::size_t pieces : {1u, 2u}) {
         Configure(std::string(255 * pieces, 'x') + "OrviCamApi,FILE,WARN,PATH=@/log\n");
         ExpectWritten({"", File, 2, "@/log"});
     }

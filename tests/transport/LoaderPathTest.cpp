@@ -95,7 +95,7 @@ TEST_F(LoaderPathTest, FileThatExistsIsOpenedLazilyAndForTheLibraryAlone)
 TEST_F(LoaderPathTest, PathBeyondAllLimitsIsNotThere)
 {
     calls->stat = nullptr;
-    for (const std::size_t size : {4000, 4095, 4096, 100000}) {
+    for (const std::size_t size : {4000u, 4095u, 4096u, 100000u}) {
         const ScopedVariable sdk("ORVICAMSDK", "/" + std::string(size, 'x'));
         EXPECT_EQ(OrviU3vCamApiDLL_Load(), 0u);
         ExpectUnloaded();
