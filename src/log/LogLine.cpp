@@ -28,16 +28,25 @@ char *Put(char *to, const char (&text)[size])
     return to + size - 1;
 }
 
-/// What "%.06f" gives, which would cost more than the rest of the line. Returns its size.
-std::size_t WriteSeconds(char *to, int64_t elapsed)
+/// What "%.06f" gives, ending at end: backwards and in place, as formatting it elsewhere and copying it would cost more
+/// than the rest of the line. Returns where it begins.
+char *WriteSecondsBefore(char *end, int64_t elapsed)
 {
     constexpr int64_t second = 1000000;
-    if (elapsed < 0 || elapsed / second > INT32_MAX) // the clock was set
-        return static_cast<std::size_t>(std::snprintf(to, 24, "%.06f", static_cast<double>(elapsed) / 1e6));
-    const std::size_t size = WriteDecimal(to, static_cast<int32_t>(elapsed / second));
-    to[size] = '.';
-    WriteSixDigits(to + size + 1, static_cast<uint32_t>(elapsed % second));
-    return size + 7;
+    if (elapsed < 0 || elapsed / second > INT32_MAX) { // the clock was set
+        char seconds[24];
+        const int size = std::snprintf(seconds, sizeof seconds, "%.06f", static_cast<double>(elapsed) / 1e6);
+        return static_cast<char *>(std::memcpy(end - size, seconds, static_cast<std::size_t>(size)));
+    }
+    char *begin = end - 6;
+    WriteSixDigits(begin, static_cast<uint32_t>(elapsed % second));
+    *--begin = '.';
+    auto seconds = static_cast<uint32_t>(elapsed / second);
+    do {
+        *--begin = static_cast<char>('0' + seconds % 10);
+        seconds /= 10;
+    } while (seconds != 0);
+    return begin;
 }
 
 } // namespace
@@ -50,11 +59,9 @@ std::string_view LogLine::Finish(int64_t elapsed, LogOrigin origin, uint32_t uiL
     end_ = std::min(end_, text_ + maxTextInFile);
     *end_++ = '\n';
 
-    char seconds[24] = {};
-    const std::size_t secondsSize = WriteSeconds(seconds, elapsed);
-    char *const begin = text_ - secondsSize - 31; // what follows the seconds is of one size
-    std::memcpy(begin, seconds, sizeof seconds);
-    char *end = Put(begin + secondsSize, origin == LogOrigin::Api ? ",API " : ",APL ");
+    char *const afterSeconds = text_ - afterSecondsSize;
+    char *const begin = WriteSecondsBefore(afterSeconds, elapsed);
+    char *end = Put(afterSeconds, origin == LogOrigin::Api ? ",API " : ",APL ");
     std::memcpy(end, s_levelWords[uiLevel], sizeof s_levelWords[uiLevel]);
     end = Put(end + sizeof s_levelWords[uiLevel], "ThreadId:0x");
     WriteHex8(end, static_cast<uint32_t>(pthread_self()), HexCase::Lower);

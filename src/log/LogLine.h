@@ -44,7 +44,8 @@ class LogLine {
     std::string_view Finish(int64_t elapsed, LogOrigin origin, uint32_t uiLevel, const char *status);
 
   private:
-    static constexpr std::size_t maxHead = 64;
+    static constexpr std::size_t afterSecondsSize = sizeof ",API INFO ,ThreadId:0x00000000," - 1;
+    static constexpr std::size_t maxHead = afterSecondsSize + 24;
     static constexpr std::size_t maxText = 255;
     static constexpr std::size_t maxTextInFile = 254;
 
