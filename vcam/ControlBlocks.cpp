@@ -27,10 +27,13 @@ constexpr auto Never = Locked::Never, WhileStreaming = Locked::WhileStreaming;
 // clang-format off
 constexpr ControlBlock s_blocks[] = {
     // base                      kind    inquiry                      mode  limits: N, D, min, max or values        value   locked
-    {Block::PixelCoding,         Choice, s_writable,                     0, Values({0x00, 0x20, 0x2A, 0x60, 0x63, 0x66, 0x69}), 0, WhileStreaming},
+    {Block::ImageFormatSelector, Choice, s_writable,                     0, Values({0, 1, 2}),                          0, WhileStreaming},
+    {Block::PixelCoding,         Choice, s_writable,                     0, Values({0x00, 0x20, 0x2A, 0x42, 0x4A, 0x60, 0x63, 0x66, 0x69}), 0, WhileStreaming},
     {Block::PixelSize,           Choice, s_writable,                     0, Values({8, 10, 12, 16, 24}),                8, WhileStreaming},
-    {Block::AcquisitionCommand,  Action, s_triggers | 0x01000000,        0, Values({0, 1, 8, 9}),                       0, Never},
+    {Block::AcquisitionCommand,  Action, s_triggers | 0x01000000,        0, Values({0, 1, 8, 9, 0xA}),                  0, Never},
     {Block::FrameCount,          Number, s_writable,                     0, {1, 1, 1, 0xFFFF},                          1, Never},
+    {Block::ImageBufferMode,     Choice, s_writable,                     0, Values({0, 1}),                             0, WhileStreaming},
+    {Block::ImageBufferCount,    Number, s_readable,                     0, {1, 1, 0, 32},                              0, Never},
     {Block::FrameRate,           Number, s_writable | Modes({0, 1}),     1, {1, 1000, 100, 1000000},                30000, Never}, // Hz
     {Block::ExposureTime,        Number, s_writable | Modes({1, 2}),     1, {1, 1000000, 20, 16000000},             10000, Never}, // s
     {Block::BlackLevel,          Number, s_writable,                     0, {1, 16, 0, 1023},                           0, Never}, // of 255
@@ -41,7 +44,7 @@ constexpr ControlBlock s_blocks[] = {
     {Block::Saturation,          Number, s_writable,                     0, {1, 100, 0, 400},                         100, Never},
     {Block::WhiteBalance,        Number, s_writable | Modes({1, 3}),     1, {1, 1000, 250, 4000},                    1000, Never}, // red
     {Block::TriggerMode,         Choice, s_writable,                     0, Values({0, 1}),                             0, Never},
-    {Block::TriggerSequence,     Choice, s_writable,                     0, Values({0, 6}),                             0, Never},
+    {Block::TriggerSequence,     Choice, s_writable,                     0, Values({0, 1, 6}),                          0, Never},
     {Block::TriggerSource,       Choice, s_writable,                     0, Values({0, 0x40}),                       0x40, Never},
     {Block::TriggerParameter,    Number, s_writable,                     0, {1, 1, 1, 255},                             1, Never}, // images of a burst
     {Block::TriggerDelay,        Number, s_writable,                     0, {1, 1000000, 0, 10000000},                  0, Never}, // s
@@ -51,14 +54,18 @@ constexpr ControlBlock s_blocks[] = {
     {Block::LineStatus,          Lines,  s_readable,                     0, {0x7},                                    0, Never},
     {Block::UserOutput,          Lines,  s_writable,                     0, {0x6},                                    0, Never},
     {Block::LineSelector,        Choice, s_writable,                     0, Values({0, 1, 2}),                          1, Never},
-    {Block::LineSource,          Choice, s_writable,                     0, Values({0, 0x20, 0x63, 0x6A, 0x6B, 0x73, 0x7B}), 0, Never},
-    {Block::TestPattern,         Choice, s_writable,                     0, Values({0, 1, 2, 3, 4, 5, 6, 7}),           0, Never},
+    {Block::LineSource,          Choice, s_writable,                     0, Values({0, 0x11, 0x20, 0x40, 0x41, 0x63, 0x6A, 0x6B, 0x73, 0x7B}), 0, Never},
+    {Block::TimerSelector,       Choice, s_writable,                     0, Values({0, 1}),                             0, Never},
+    {Block::TimerDelay,          Number, s_writable,                     0, {1, 1000000, 0, 10000000},                  0, Never}, // s
+    {Block::TimerDuration,       Number, s_writable,                     0, {1, 1000000, 1, 10000000},               1000, Never}, // s
+    {Block::TestPattern,         Choice, s_writable,                     0, Values({0, 1, 2, 3, 4, 5, 6, 7, 8}),        0, Never},
     {Block::BinningX,            Number, s_writable,                     0, {1, 1, 1, 4},                               1, WhileStreaming},
     {Block::BinningY,            Number, s_writable,                     0, {1, 1, 1, 4},                               1, WhileStreaming},
     {Block::DecimationX,         Number, s_writable,                     0, {1, 1, 1, 4},                               1, WhileStreaming},
     {Block::DecimationY,         Number, s_writable,                     0, {1, 1, 1, 4},                               1, WhileStreaming},
     {Block::ReverseX,            Flag,   s_writable,                     0, {},                                         0, Never},
     {Block::ReverseY,            Flag,   s_writable,                     0, {},                                         0, Never},
+    {Block::TimerTriggerSource,  Choice, s_writable,                     0, Values({0, 0x20, 0x68, 0x7C, 0x7D}),        0, Never},
 };
 
 /// A side of the image within the sensor, as words of the image-size block.

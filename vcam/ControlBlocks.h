@@ -40,11 +40,14 @@ struct ControlBlock {
 /// Bases of the blocks that the camera's behaviour reads or reacts to.
 namespace Block {
 // clang-format off
+constexpr std::uint32_t ImageFormatSelector = 0x202020;
 constexpr std::uint32_t ImageSize        = 0x202060; // 17 quadlets, see ImageSizeWord
 constexpr std::uint32_t PixelCoding      = 0x2020C0;
 constexpr std::uint32_t PixelSize        = 0x2020E0;
 constexpr std::uint32_t AcquisitionCommand = 0x203020;
 constexpr std::uint32_t FrameCount       = 0x203040;
+constexpr std::uint32_t ImageBufferMode  = 0x203060;
+constexpr std::uint32_t ImageBufferCount = 0x203080;
 constexpr std::uint32_t FrameRate        = 0x2030A0;
 constexpr std::uint32_t ExposureTime     = 0x204020;
 constexpr std::uint32_t BlackLevel       = 0x204040;
@@ -66,6 +69,9 @@ constexpr std::uint32_t LineStatus       = 0x209060;
 constexpr std::uint32_t UserOutput       = 0x209080;
 constexpr std::uint32_t LineSelector     = 0x2090A0;
 constexpr std::uint32_t LineSource       = 0x2090C0;
+constexpr std::uint32_t TimerSelector    = 0x20A020;
+constexpr std::uint32_t TimerDelay       = 0x20A040;
+constexpr std::uint32_t TimerDuration    = 0x20A060;
 constexpr std::uint32_t TestPattern      = 0x21F120;
 constexpr std::uint32_t BinningX         = 0x21F140;
 constexpr std::uint32_t BinningY         = 0x21F160;
@@ -73,6 +79,7 @@ constexpr std::uint32_t DecimationX      = 0x21F180;
 constexpr std::uint32_t DecimationY      = 0x21F1A0;
 constexpr std::uint32_t ReverseX         = 0x21F1C0;
 constexpr std::uint32_t ReverseY         = 0x21F1E0;
+constexpr std::uint32_t TimerTriggerSource = 0x21F260;
 // clang-format on
 } // namespace Block
 
@@ -86,18 +93,30 @@ constexpr std::uint32_t OffsetXMin = 0x20206C, OffsetXInc = 0x202070, WidthMin =
 
 /// Values of the acquisition command.
 namespace AcquisitionCommand {
-constexpr std::uint32_t Abort = 0, Stop = 1, Continuous = 8, MultiFrame = 9;
+constexpr std::uint32_t Abort = 0, Stop = 1, Continuous = 8, MultiFrame = 9, ImageBufferRead = 0xA;
 } // namespace AcquisitionCommand
 
 /// Sources of an output line.
 namespace LineSourceValue {
-constexpr std::uint32_t Off = 0x00, UserOutput = 0x20, AcquisitionActive = 0x63, FrameTriggerWait = 0x6A,
-                        FrameActive = 0x6B, FrameTransferActive = 0x73, ExposureActive = 0x7B;
+constexpr std::uint32_t Off = 0x00, VerticalDrive = 0x11, UserOutput = 0x20, Timer0Active = 0x40, Timer1Active = 0x41,
+                        AcquisitionActive = 0x63, FrameTriggerWait = 0x6A, FrameActive = 0x6B,
+                        FrameTransferActive = 0x73, ExposureActive = 0x7B;
 } // namespace LineSourceValue
 
+/// What starts a timer.
+namespace TimerSource {
+constexpr std::uint32_t Off = 0x00, Line0 = 0x20, FrameTrigger = 0x68, ExposureStart = 0x7C, ExposureEnd = 0x7D;
+} // namespace TimerSource
+
+/// Values of the software trigger.
+namespace SoftwareTriggerValue {
+constexpr std::uint32_t Inactive = 0, Active = 1, Impulse = 8;
+} // namespace SoftwareTriggerValue
+
 /// Values of trigger source, trigger sequence and automatic modes.
-constexpr std::uint32_t s_softwareSource = 0x40, s_burstSequence = 6;
-constexpr std::uint32_t s_modeManual = 1, s_modeAutomatic = 2, s_modeOnce = 3;
+constexpr std::uint32_t s_softwareSource = 0x40;
+constexpr std::uint32_t s_frameSequence = 0, s_widthSequence = 1, s_burstSequence = 6;
+constexpr std::uint32_t s_modeFree = 0, s_modeManual = 1, s_modeAutomatic = 2, s_modeOnce = 3;
 
 /// The block that owns an address, or null.
 const ControlBlock *FindControlBlock(std::uint64_t address);

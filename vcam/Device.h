@@ -1,7 +1,8 @@
 #pragma once
 // The virtual camera put together: endpoints, registers, control server, events, and the thread on which the sensor
 // lives. Its sources: Device.cpp (USB side and plug), PowerUp.cpp (initial registers), DeviceRegisters.cpp (what writes
-// mean), DeviceFeatures.cpp (features that act), DeviceSensor.cpp (acquisition).
+// mean), DeviceCommands.cpp (commands and user sets), DeviceFeatures.cpp (features that act), DeviceTriggers.cpp
+// (triggers, lines and timers), DeviceSensor.cpp (acquisition), DeviceStream.cpp (images on their way to the host).
 
 #include "vcam/ControlBlocks.h"
 #include "vcam/EventQueue.h"
@@ -9,9 +10,11 @@
 #include "vcam/Outbox.h"
 #include "vcam/Painter.h"
 #include "vcam/Registers.h"
+#include "vcam/SelectedRegisters.h"
 #include "vcam/VirtualCamera.h"
 
 #include <chrono>
+#include <map>
 #include <thread>
 #include <utility>
 
@@ -53,6 +56,20 @@ class Device final : public VirtualCamera, private GenCpMemory {
         std::uint64_t run = 0; // counts acquisitions, so that the sensor notices the end of its own
     };
 
+    /// An image that is exposed: all that its picture depends on.
+    struct Shot {
+        std::uint64_t block, time;
+        PictureSettings settings;
+    };
+    /// A trigger after its delay; the end is known when the trigger's level is gone.
+    struct TriggerPulse {
+        Clock::time_point start;
+        std::optional<Clock::time_point> end;
+    };
+    struct Timer {
+        Clock::time_point from, until;
+    };
+
     // Device.cpp
     UsbIdentity Describe() const;
     InEndpoint *In(Endpoint endpoint);
@@ -67,30 +84,55 @@ class Device final : public VirtualCamera, private GenCpMemory {
     GenCpStatus CheckQuadlet(std::uint64_t address, std::uint32_t value) const;
     GenCpStatus CheckStreamInterface(std::uint64_t address, std::uint32_t value) const;
     void Written(std::uint64_t address, std::uint32_t value);
-    void CarryOut(std::uint32_t acquisitionCommand);
+    /// Brings registers up to date that time or the sensor changes.
+    void Refresh();
     void WrittenFormat(std::uint64_t address, std::uint32_t value);
     void UpdatePayloadSize();
     /// What a write asked for and what must not happen under the lock.
     void FinishWrite();
     bool IsStreaming() const { return IsStreamEnabled() || acquisition_.isActive; }
 
+    // DeviceCommands.cpp
+    bool WrittenCommand(std::uint64_t address, std::uint32_t value);
+    void CarryOut(std::uint32_t acquisitionCommand);
+    void FinishCommand(std::uint64_t address, std::chrono::milliseconds atLeast = {});
+    void RefreshCommands();
+    void SaveUserSet(std::size_t number);
+    void LoadUserSet(std::size_t number);
+
     // DeviceFeatures.cpp: features that react to writes or act by themselves
     bool WrittenFeature(std::uint64_t address, std::uint32_t value);
     void FitImageToSensor();
-    void UpdateLines();
-    void Trigger();
+    void UpdateTriggerSequence(std::uint32_t sequence);
     void AdjustAutomatic();
-    void SaveUserSet(std::size_t number);
-    void LoadUserSet(std::size_t number);
+
+    // DeviceTriggers.cpp
+    std::uint32_t LineStates() const;
+    bool IsHigh(std::uint32_t lineSource, std::size_t line) const;
+    void WrittenLines();
+    void WrittenLineSelector();
+    void WrittenSoftwareTrigger(std::uint32_t value);
+    void Trigger();
+    void ReleaseTrigger();
+    void DropTriggers();
+    void StartTimers(std::uint32_t source);
+    bool IsTriggered() const { return registers_.Word(Block::TriggerMode + 0x1C) != 0; }
+    bool IsTriggerDue(Lock &lock);
+    bool IsWidthExposed() const
+    {
+        return IsTriggered() && registers_.Word(Block::TriggerSequence + 0x1C) == s_widthSequence;
+    }
 
     // PowerUp.cpp
     void PowerUp();
 
     // DeviceSensor.cpp
     PictureSettings Settings() const;
+    std::uint32_t Exposure() const;
     std::uint64_t DeviceTime() const;
     Clock::duration FramePeriod() const;
     bool IsThrottled() const;
+    Clock::time_point FrameDue() const;
     void StartAcquisition(std::uint32_t mode);
     void EndAcquisition();
     void Raise(EventKind kind, std::uint64_t block);
@@ -104,11 +146,18 @@ class Device final : public VirtualCamera, private GenCpMemory {
     bool IsRun(std::uint64_t run) const { return acquisition_.isActive && acquisition_.run == run && !isQuitting_; }
     std::uint64_t BeginFrame();
     void TakeFrame(Lock &lock);
+    bool Expose(Lock &lock, PictureSettings &settings);
+
+    // DeviceStream.cpp
+    bool IsBuffering() const { return registers_.Word(Block::ImageBufferMode + 0x1C) != 0; }
+    bool HasRoom() const;
+    void ClearImageBuffer();
+    bool HoldFrame(Shot shot);
+    void ReadOut(Lock &lock);
     void LoseFrame(std::uint64_t block);
-    bool IsTriggered() const { return registers_.Word(Block::TriggerMode + 0x1C) != 0; }
-    bool IsTriggerDue(Lock &lock);
-    bool SendFrame(Lock &lock, std::uint64_t block, std::uint64_t time, const PictureSettings &settings);
+    bool SendFrame(Lock &lock, const Shot &shot);
     bool SendMessage(std::uint64_t run, std::uint64_t epoch, Message message);
+    void MissFrame(Lock &lock);
 
     const CameraConfig config_;
 
@@ -126,11 +175,18 @@ class Device final : public VirtualCamera, private GenCpMemory {
     bool isUnplugWritten_ = false; // by the command under way
     bool isStreamCut_ = false;     // by the command under way: what is queued is dropped
     bool isEventCut_ = false;
-    bool hasEvents_ = false;                                     // raised and not yet handed to the endpoint
-    std::uint32_t lineLevels_ = 0;                               // at the pins
-    std::array<std::uint32_t, 3> lineSources_{};                 // of the output lines
-    std::deque<std::chrono::steady_clock::time_point> triggers_; // when they take effect
-    std::uint32_t burstLeft_ = 0;                                // images that the last trigger still asks for
+    bool hasEvents_ = false;            // raised and not yet handed to the endpoint
+    std::uint32_t lineLevels_ = 0;      // at the pins
+    std::uint32_t inputLevel_ = 0;      // of line 0 behind the inverter
+    std::deque<TriggerPulse> triggers_; // that wait for their images
+    TriggerPulse pulse_;                // of the image under way
+    bool isSoftwareActive_ = false;     // level of the software trigger
+    std::array<Timer, 2> timers_{};
+    std::uint32_t shutterStep_ = 0;                       // place in the sequence of the sequential shutter
+    std::deque<Shot> held_;                               // in the image buffer
+    std::uint32_t readOuts_ = 0;                          // images that the host has asked for
+    std::map<std::uint64_t, Clock::time_point> commands_; // that have not reported done yet
+    std::uint32_t burstLeft_ = 0;                         // images that the last trigger still asks for
     bool isExposing_ = false, isTransferring_ = false, isInFrame_ = false;
     using UserSet = std::vector<std::pair<std::uint64_t, std::uint32_t>>;
     std::array<UserSet, 16> userSets_; // these survive unplugging; 0 is the factory's

@@ -8,9 +8,6 @@ namespace Orvi::Vcam {
 
 namespace {
 
-// More triggers than these do not wait for their images.
-constexpr std::size_t s_triggerDepth = 16;
-
 constexpr std::uint32_t Value(std::uint32_t block) { return block + 0x1C; }
 
 /// What automatic exposure and gain aim at: twice the light at neutral exposure, in the middle of the range.
@@ -30,40 +27,42 @@ bool Device::WrittenFeature(std::uint64_t address, std::uint32_t value)
 {
     switch (address) {
     case Reg::LineLevels:
-    case Block::LineInverter + 0x10: {
-        const std::uint32_t before = registers_.Word(Block::LineStatus + 0x10) & 1;
-        lineLevels_ = registers_.Word(Reg::LineLevels);
-        UpdateLines();
-        const std::uint32_t after = registers_.Word(Block::LineStatus + 0x10) & 1;
-        if (after > before) {
-            Raise(EventKind::Line0RisingEdge, 0);
-        }
-        const bool isEdge = after != before && after == registers_.Word(Reg::TriggerActivation);
-        if (isEdge && registers_.Word(Value(Block::TriggerSource)) == 0) {
-            Trigger();
-        }
+    case Block::LineInverter + 0x10:
+        WrittenLines();
+        return true;
+    case Reg::LineInverterOne: {
+        const std::uint32_t bit = 1u << registers_.Word(Value(Block::LineSelector));
+        const std::uint32_t others = registers_.Word(Block::LineInverter + 0x10) & ~bit;
+        registers_.SetWord(Block::LineInverter + 0x10, others | (value != 0 ? bit : 0));
+        WrittenLines();
         return true;
     }
-    case Block::UserOutput + 0x10:
-        UpdateLines();
-        return true;
     case Value(Block::LineSelector):
-        registers_.SetWord(Value(Block::LineSource), lineSources_[value]);
-        return true;
-    case Value(Block::LineSource):
-        lineSources_[registers_.Word(Value(Block::LineSelector))] = value;
-        UpdateLines();
+        WrittenLineSelector();
         return true;
     case Value(Block::SoftwareTrigger):
-        registers_.SetWord(address, 0);
-        if (value != 0 && registers_.Word(Value(Block::TriggerSource)) == s_softwareSource) {
-            Trigger();
-        }
+        WrittenSoftwareTrigger(value);
         return true;
     case Value(Block::TriggerMode):
-        triggers_.clear();
-        burstLeft_ = 0;
-        UpdateLines();
+    case Value(Block::TriggerSource):
+        DropTriggers();
+        return true;
+    case Value(Block::TriggerSequence):
+        UpdateTriggerSequence(value);
+        return true;
+    case Reg::ExposureMode:
+    case Reg::TriggerSelector: {
+        const std::uint32_t now = registers_.Word(Value(Block::TriggerSequence));
+        const std::uint32_t wanted = address == Reg::ExposureMode ? s_widthSequence : s_burstSequence;
+        UpdateTriggerSequence(value != 0 ? wanted : now == wanted ? s_frameSequence : now);
+        return true;
+    }
+    case Value(Block::ImageBufferMode):
+        ClearImageBuffer();
+        return true;
+    case Reg::ShutterEnable:
+    case Reg::ShutterTerminateAt:
+        shutterStep_ = 0;
         return true;
     case Reg::BalanceRatioSelector:
         registers_.SetWord(Reg::BalanceRatio,
@@ -81,14 +80,6 @@ bool Device::WrittenFeature(std::uint64_t address, std::uint32_t value)
     case Value(Block::DecimationX):
     case Value(Block::DecimationY):
         FitImageToSensor();
-        return true;
-    case Reg::UserSetSave:
-        registers_.SetWord(address, 0);
-        SaveUserSet(registers_.Word(Reg::UserSetSelector));
-        return true;
-    case Reg::UserSetLoad:
-        registers_.SetWord(address, 0);
-        LoadUserSet(registers_.Word(Reg::UserSetSelector));
         return true;
     case Reg::UserSetDefault:
         defaultUserSet_ = value;
@@ -118,38 +109,13 @@ void Device::FitImageToSensor()
     UpdatePayloadSize();
 }
 
-void Device::UpdateLines()
+/// The sequence is the state; exposure mode and trigger selector show it as the standard features do.
+void Device::UpdateTriggerSequence(std::uint32_t sequence)
 {
-    const auto isHigh = [this](std::size_t line) {
-        switch (lineSources_[line]) {
-        case LineSourceValue::UserOutput:
-            return (registers_.Word(Block::UserOutput + 0x10) >> line & 1) != 0;
-        case LineSourceValue::AcquisitionActive:
-            return acquisition_.isActive;
-        case LineSourceValue::FrameTriggerWait:
-            return acquisition_.isActive && IsTriggered() && !isInFrame_;
-        case LineSourceValue::FrameActive:
-            return isInFrame_;
-        case LineSourceValue::FrameTransferActive:
-            return isTransferring_;
-        case LineSourceValue::ExposureActive:
-            return isExposing_;
-        default:
-            return false;
-        }
-    };
-    std::uint32_t levels = lineLevels_ & 1; // line 0 is the input
-    for (std::size_t line = 1; line < lineSources_.size(); ++line) {
-        levels |= isHigh(line) ? 1u << line : 0;
-    }
-    registers_.SetWord(Block::LineStatus + 0x10, levels ^ registers_.Word(Block::LineInverter + 0x10));
-}
-
-void Device::Trigger()
-{
-    if (acquisition_.isActive && IsTriggered() && triggers_.size() < s_triggerDepth) {
-        triggers_.push_back(Clock::now() + std::chrono::microseconds(registers_.Word(Value(Block::TriggerDelay))));
-    }
+    registers_.SetWord(Value(Block::TriggerSequence), sequence);
+    registers_.SetWord(Reg::ExposureMode, sequence == s_widthSequence ? 1 : 0);
+    registers_.SetWord(Reg::TriggerSelector, sequence == s_burstSequence ? 1 : 0);
+    DropTriggers();
 }
 
 void Device::AdjustAutomatic()
@@ -176,31 +142,6 @@ void Device::AdjustAutomatic()
             registers_.SetWord(Block::WhiteBalance + 8, s_modeManual);
         }
     }
-}
-
-void Device::SaveUserSet(std::size_t number)
-{
-    std::vector<std::uint64_t> words = SettingWords();
-    words.insert(words.end(), {Reg::PixelFormat, Reg::AcquisitionMode, Reg::BlueRatio, Reg::TriggerActivation,
-                               ImageSizeWord::SensorWidth, ImageSizeWord::SensorHeight});
-    UserSet &set = userSets_[number];
-    set.clear();
-    for (const std::uint64_t word : words) {
-        set.emplace_back(word, registers_.Word(word));
-    }
-}
-
-void Device::LoadUserSet(std::size_t number)
-{
-    // A set that was never saved holds what the factory's does.
-    const UserSet &set = userSets_[number].empty() ? userSets_[0] : userSets_[number];
-    for (const auto &[address, value] : set) {
-        registers_.SetWord(address, value);
-    }
-    registers_.SetWord(Value(Block::LineSource), lineSources_[registers_.Word(Value(Block::LineSelector))]);
-    WrittenFeature(Reg::BlueRatio, 0);
-    UpdateLines();
-    UpdatePayloadSize();
 }
 
 } // namespace Orvi::Vcam

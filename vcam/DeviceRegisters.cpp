@@ -8,6 +8,9 @@ namespace Orvi::Vcam {
 GenCpStatus Device::Read(std::uint64_t address, std::span<std::byte> to)
 {
     const Lock lock(mutex_);
+    if (address >= Reg::Eirm) {
+        Refresh();
+    }
     return registers_.Read(address, to);
 }
 
@@ -29,16 +32,21 @@ GenCpStatus Device::Write(std::uint64_t address, std::span<const std::byte> from
         }
         // All or nothing: each quadlet is checked against those before it, and nothing happens until all have passed.
         const std::vector<std::byte> before(target.begin(), target.end());
-        for (std::size_t at = 0; at < from.size(); at += 4) {
+        GenCpStatus status = GenCpStatus::Success;
+        for (std::size_t at = 0; at < from.size() && status == GenCpStatus::Success; at += 4) {
             const auto value = LoadLe<std::uint32_t>(from.data() + at);
-            if (const GenCpStatus status = CheckQuadlet(address + at, value); status != GenCpStatus::Success) {
-                std::copy(before.begin(), before.end(), target.begin());
-                return status;
-            }
+            status = CheckQuadlet(address + at, value);
             registers_.SetWord(address + at, value);
         }
+        std::copy(before.begin(), before.end(), target.begin());
+        if (status != GenCpStatus::Success) {
+            return status;
+        }
+        // A selector changes what the quadlet behind it is about: they are written one after the other.
         for (std::size_t at = 0; at < from.size(); at += 4) {
-            Written(address + at, LoadLe<std::uint32_t>(from.data() + at));
+            const auto value = LoadLe<std::uint32_t>(from.data() + at);
+            registers_.SetWord(address + at, value);
+            Written(address + at, value);
         }
     }
     FinishWrite();
@@ -49,7 +57,12 @@ GenCpStatus Device::CheckQuadlet(std::uint64_t address, std::uint32_t value) con
 {
     if (address >= Reg::Control && address < Reg::Control + Reg::ControlSize) {
         const bool isInput = address == Block::LineSource + 0x1C && registers_.Word(Block::LineSelector + 0x1C) == 0;
-        return isInput ? GenCpStatus::AccessDenied : CheckControlWrite(registers_, address, value, IsStreaming());
+        // There is nothing to read out of a buffer that is switched off, and nowhere to send it to without a stream.
+        const bool isIdleReadOut = address == Block::AcquisitionCommand + 0x1C &&
+                                   value == AcquisitionCommand::ImageBufferRead &&
+                                   (!IsBuffering() || !IsStreamEnabled());
+        return isInput || isIdleReadOut ? GenCpStatus::AccessDenied
+                                        : CheckControlWrite(registers_, address, value, IsStreaming());
     }
     if (address >= Reg::Sirm && address < Reg::Sirm + Reg::SirmSize) {
         return CheckStreamInterface(address, value);
@@ -69,7 +82,7 @@ GenCpStatus Device::CheckQuadlet(std::uint64_t address, std::uint32_t value) con
     if (isFactory) {
         return GenCpStatus::AccessDenied;
     }
-    const bool isInRange = value >= row->minimum && value <= row->maximum;
+    const bool isInRange = value - row->minimum <= row->maximum - row->minimum; // whatever the sign
     const bool isKnown = (address != Reg::PixelFormat || FindPixelFormat(value) != nullptr) &&
                          (address != Reg::AcquisitionMode || value == s_singleFrame ||
                           value == AcquisitionCommand::Continuous || value == AcquisitionCommand::MultiFrame);
@@ -104,6 +117,9 @@ GenCpStatus Device::CheckStreamInterface(std::uint64_t address, std::uint32_t va
 
 void Device::Written(std::uint64_t address, std::uint32_t value)
 {
+    if (IsSelector(address)) {
+        ShowSelected(registers_);
+    }
     switch (address) {
     case Reg::TimestampLatch:
         registers_.SetLong(Reg::Timestamp, DeviceTime());
@@ -114,6 +130,7 @@ void Device::Written(std::uint64_t address, std::uint32_t value)
             isStreamCut_ = true;
         } else {
             nextBlock_ = 0;
+            ClearImageBuffer();
         }
         break;
     case Reg::EiControl:
@@ -122,54 +139,37 @@ void Device::Written(std::uint64_t address, std::uint32_t value)
             isEventCut_ = true;
         }
         break;
-    case Reg::EiTestControl:
-        if ((value & 1) != 0) {
-            Raise(EventKind::Test, 0);
-        }
-        registers_.SetWord(address, 0);
-        break;
     case Reg::EventSelector:
         registers_.SetWord(Reg::EventNotification, notifications_[value] ? 1 : 0);
         break;
     case Reg::EventNotification:
         notifications_[registers_.Word(Reg::EventSelector)] = value != 0;
         break;
-    case Block::AcquisitionCommand + 0x1C:
-        registers_.SetWord(address, 0);
-        CarryOut(value);
-        break;
-    case Reg::AcquisitionStart:
-        registers_.SetWord(address, 0);
-        StartAcquisition(registers_.Word(Reg::AcquisitionMode));
-        break;
-    case Reg::AcquisitionAbort:
-        registers_.SetWord(address, 0);
-        CarryOut(AcquisitionCommand::Abort);
-        break;
     case Reg::UnplugNow:
         isUnplugWritten_ = value != 0;
         break;
     default:
-        if (!WrittenFeature(address, value)) {
+        if (!WrittenCommand(address, value) && !WrittenFeature(address, value)) {
             WrittenFormat(address, value);
         }
         break;
     }
+    if (address >= Reg::Control) {
+        StoreSelected(registers_);
+    }
 }
 
-void Device::CarryOut(std::uint32_t acquisitionCommand)
+void Device::Refresh()
 {
-    switch (acquisitionCommand) {
-    case AcquisitionCommand::Abort:
-        EndAcquisition();
-        break;
-    case AcquisitionCommand::Stop:
-        acquisition_.isStopping = acquisition_.isActive;
-        break;
-    default:
-        StartAcquisition(acquisitionCommand);
-        break;
-    }
+    RefreshCommands();
+    const std::uint32_t lines = LineStates();
+    const std::uint32_t line = registers_.Word(Block::LineSelector + 0x1C);
+    const auto bit = [line](std::uint32_t word) { return word >> line & 1; };
+    registers_.SetWord(Block::LineStatus + 0x10, lines);
+    registers_.SetWord(Reg::LineStatusOne, bit(lines));
+    registers_.SetWord(Reg::LineModeOne, bit(registers_.Word(Block::LineMode + 0x10)));
+    registers_.SetWord(Reg::LineInverterOne, bit(registers_.Word(Block::LineInverter + 0x10)));
+    registers_.SetWord(Block::ImageBufferCount + 0x1C, static_cast<std::uint32_t>(held_.size()));
 }
 
 void Device::WrittenFormat(std::uint64_t address, std::uint32_t value)
@@ -222,7 +222,7 @@ void Device::PokeRegister(std::uint64_t address, std::uint32_t value)
 std::uint32_t Device::PeekRegister(std::uint64_t address) const
 {
     const Lock lock(mutex_);
-    return registers_.Word(address);
+    return address == Block::LineStatus + 0x10 ? LineStates() : registers_.Word(address);
 }
 
 std::uint64_t Device::DroppedBlocks() const

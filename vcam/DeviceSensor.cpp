@@ -1,8 +1,16 @@
 #include "vcam/Device.h"
+#include "vcam/DeviceRegisterTable.h"
 
 #include <algorithm>
 
 namespace Orvi::Vcam {
+
+namespace {
+
+/// Images per second when nobody specifies the rate.
+constexpr double s_freeRate = 60;
+
+} // namespace
 
 PictureSettings Device::Settings() const
 {
@@ -15,7 +23,7 @@ PictureSettings Device::Settings() const
     settings.offsetX = registers_.Word(ImageSizeWord::OffsetX);
     settings.offsetY = registers_.Word(ImageSizeWord::OffsetY);
     settings.pixelFormat = registers_.Word(Reg::PixelFormat);
-    settings.exposure = value(Block::ExposureTime);
+    settings.exposure = Exposure();
     settings.gain = value(Block::Gain);
     settings.blackLevel = value(Block::BlackLevel);
     settings.testPattern = value(Block::TestPattern);
@@ -31,7 +39,28 @@ PictureSettings Device::Settings() const
     settings.saturation = value(Block::Saturation);
     settings.redRatio = value(Block::WhiteBalance);
     settings.blueRatio = registers_.Word(Reg::BlueRatio);
+    for (std::size_t i = 0; i < settings.matrix.size(); ++i) {
+        settings.matrix[i] = static_cast<std::int32_t>(registers_.Word(Reg::MatrixTable + 4 * i));
+    }
+    if (registers_.Word(Reg::LutEnable) != 0) {
+        for (std::uint32_t i = 0; i < s_lutSize; ++i) {
+            settings.lut.push_back(static_cast<std::uint16_t>(registers_.Word(Reg::LutTable + 4 * i)));
+        }
+    }
+    if (registers_.Word(Reg::DpcEnable) != 0) {
+        for (std::uint32_t i = 0; i < registers_.Word(Reg::DpcNumber); ++i) {
+            const std::uint64_t entry = Reg::DpcTable + 8 * i;
+            settings.corrected.push_back({registers_.Word(entry), registers_.Word(entry + 4)});
+        }
+    }
     return settings;
+}
+
+/// Of the next image: the sequential shutter's, when it is on.
+std::uint32_t Device::Exposure() const
+{
+    return registers_.Word(Reg::ShutterEnable) != 0 ? registers_.Word(Reg::ShutterTable + 4 * shutterStep_)
+                                                    : registers_.Word(Block::ExposureTime + 0x1C);
 }
 
 std::uint64_t Device::DeviceTime() const
@@ -44,10 +73,21 @@ bool Device::IsThrottled() const { return registers_.Word(Reg::Unthrottled) == 0
 
 Device::Clock::duration Device::FramePeriod() const
 {
-    const double rate = registers_.Word(Block::FrameRate + 0x1C) / 1000.0;
-    const std::chrono::microseconds exposure(registers_.Word(Block::ExposureTime + 0x1C));
+    const bool isFree = registers_.Word(Block::FrameRate + 8) == s_modeFree;
+    const double rate = isFree ? s_freeRate : registers_.Word(Block::FrameRate + 0x1C) / 1000.0;
+    const std::chrono::microseconds exposure(Exposure());
     // An image cannot begin before the exposure of the last one has ended.
     return std::max<Clock::duration>(exposure, std::chrono::nanoseconds(static_cast<std::int64_t>(1e9 / rate)));
+}
+
+Device::Clock::time_point Device::FrameDue() const
+{
+    const Clock::duration period = FramePeriod();
+    if (registers_.Word(Reg::FrameSynchronization) != 0) {
+        // The beat of the clock that all cameras of this computer share.
+        return Clock::time_point((lastFrame_.time_since_epoch() / period + 1) * period);
+    }
+    return isFirstFrame_ ? lastFrame_ : lastFrame_ + period;
 }
 
 void Device::StartAcquisition(std::uint32_t mode)
@@ -61,8 +101,10 @@ void Device::StartAcquisition(std::uint32_t mode)
     acquisition_.framesLeft = mode == AcquisitionCommand::MultiFrame ? registers_.Word(Block::FrameCount + 0x1C) : 1;
     ++acquisition_.run;
     isFirstFrame_ = true;
+    lastFrame_ = Clock::now();
+    shutterStep_ = 0;
+    ClearImageBuffer();
     registers_.SetWord(Reg::AcquisitionActive, 1);
-    UpdateLines();
     Raise(EventKind::AcquisitionStart, 0);
 }
 
@@ -71,9 +113,7 @@ void Device::EndAcquisition()
     if (acquisition_.isActive) {
         acquisition_.isActive = false;
         registers_.SetWord(Reg::AcquisitionActive, 0);
-        triggers_.clear();
-        burstLeft_ = 0;
-        UpdateLines();
+        DropTriggers();
         Raise(EventKind::AcquisitionEnd, 0);
     }
 }
@@ -105,7 +145,9 @@ void Device::RunSensor()
         if (FollowPlug(lock)) {
             continue;
         }
-        if (acquisition_.isActive && (acquisition_.isStopping || !HasFramesLeft())) {
+        if (readOuts_ != 0 && IsStreamEnabled()) {
+            ReadOut(lock);
+        } else if (acquisition_.isActive && (acquisition_.isStopping || !HasFramesLeft())) {
             EndAcquisition();
             Announce(lock);
         } else if (IsFrameDue(lock)) {
@@ -148,34 +190,18 @@ bool Device::IsFrameDue(Lock &lock)
         return false;
     }
     if (!IsThrottled()) {
-        const bool isDue = stream_.HasTransfer() || !IsStreamEnabled();
+        const bool isDue = IsBuffering() ? HasRoom() : stream_.HasTransfer() || !IsStreamEnabled();
         if (!isDue) {
             wake_.wait(lock);
         }
         return isDue;
     }
-    const Clock::time_point due = lastFrame_ + FramePeriod();
-    if (isFirstFrame_ || Clock::now() >= due) {
+    const Clock::time_point due = FrameDue();
+    if (Clock::now() >= due) {
         return true;
     }
     wake_.wait_until(lock, due);
     return false;
-}
-
-bool Device::IsTriggerDue(Lock &lock)
-{
-    if (triggers_.empty()) {
-        wake_.wait(lock);
-        return false;
-    }
-    if (Clock::now() < triggers_.front()) {
-        wake_.wait_until(lock, triggers_.front());
-        return false;
-    }
-    triggers_.pop_front();
-    const bool isBurst = registers_.Word(Block::TriggerSequence + 0x1C) == s_burstSequence;
-    burstLeft_ = isBurst ? registers_.Word(Block::TriggerParameter + 0x1C) : 1;
-    return true;
 }
 
 std::uint64_t Device::BeginFrame()
@@ -190,6 +216,7 @@ std::uint64_t Device::BeginFrame()
         --acquisition_.framesLeft;
     }
     burstLeft_ -= burstLeft_ != 0 ? 1 : 0;
+    shutterStep_ = (shutterStep_ + 1) % registers_.Word(Reg::ShutterTerminateAt);
     return nextBlock_++;
 }
 
@@ -197,146 +224,72 @@ void Device::TakeFrame(Lock &lock)
 {
     const std::uint64_t run = acquisition_.run;
     const bool isThrottled = IsThrottled();
-    const PictureSettings settings = Settings();
-    const std::uint64_t block = BeginFrame();
+    Shot shot{0, 0, Settings()};
+    shot.block = BeginFrame();
     isInFrame_ = isExposing_ = true;
-    UpdateLines();
-    Raise(EventKind::FrameStart, block);
-    Raise(EventKind::ExposureStart, block);
+    Raise(EventKind::FrameStart, shot.block);
+    Raise(EventKind::ExposureStart, shot.block);
+    StartTimers(TimerSource::ExposureStart);
     Announce(lock);
-    if (isThrottled) {
-        const Clock::time_point exposed = Clock::now() + std::chrono::microseconds(settings.exposure);
-        while (IsRun(run) && Clock::now() < exposed) {
-            wake_.wait_until(lock, exposed);
-        }
-    }
+    const bool isExposed = Expose(lock, shot.settings);
     isInFrame_ = isExposing_ = false;
-    UpdateLines();
+    if (!isExposed) {
+        return;
+    }
+    registers_.SetWord(Reg::LastExposure, shot.settings.exposure);
+    AdjustAutomatic();
+    shot.time = DeviceTime();
+    RaiseAt(EventKind::ExposureEnd, shot.block, shot.time);
+    StartTimers(TimerSource::ExposureEnd);
+    Announce(lock);
     if (!IsRun(run)) {
         return;
     }
-    AdjustAutomatic();
-    const std::uint64_t time = DeviceTime();
-    RaiseAt(EventKind::ExposureEnd, block, time);
-    Announce(lock);
-    bool isDelivered = IsRun(run) && !IsStreamEnabled();
-    if (!isDelivered) {
+    bool isDelivered = !IsStreamEnabled();
+    if (IsBuffering()) {
+        isDelivered = HoldFrame(shot);
+    } else if (!isDelivered) {
         // Without a transfer the image has nowhere to go. Unthrottled, one was seen before the image was begun.
-        isDelivered = (stream_.HasTransfer() || !isThrottled) && SendFrame(lock, block, time, settings);
+        isDelivered = (stream_.HasTransfer() || !isThrottled) && SendFrame(lock, shot);
     }
     if (!IsRun(run)) {
         return;
     }
     if (isDelivered) {
-        Raise(EventKind::FrameEnd, block);
+        Raise(EventKind::FrameEnd, shot.block);
     } else {
-        LoseFrame(block);
+        LoseFrame(shot.block);
     }
     Announce(lock);
 }
 
-void Device::LoseFrame(std::uint64_t block)
-{
-    ++dropped_;
-    registers_.SetWord(Reg::DroppedBlocks, static_cast<std::uint32_t>(dropped_));
-    Raise(EventKind::FrameLost, block);
-}
-
-bool Device::SendFrame(Lock &lock, std::uint64_t block, std::uint64_t time, const PictureSettings &settings)
+/// Waits for the end of the exposure; false when the acquisition has ended before.
+bool Device::Expose(Lock &lock, PictureSettings &settings)
 {
     const std::uint64_t run = acquisition_.run;
-    const std::uint64_t epoch = stream_.Epoch();
-    const auto word = [this](std::uint64_t address) { return std::size_t{registers_.Word(address)}; };
-    const std::size_t slotSize = word(Reg::SiTransferSize), slotCount = word(Reg::SiTransferCount);
-    const std::size_t finalSizes[] = {word(Reg::SiFinalTransfer1), word(Reg::SiFinalTransfer2)};
-    if (!IsRun(run) || !IsStreamEnabled()) {
-        return false;
-    }
-    isInFrame_ = isTransferring_ = true;
-    UpdateLines();
-    lock.unlock();
-    const std::span image = painter_.Draw(settings, block);
-    const std::uint16_t imageType = 1;
-
-    std::array<std::byte, 52> leader{};
-    FieldWriter(leader)
-        .Put(s_leaderPrefix)
-        .Put(std::uint16_t{0})
-        .Put(std::uint16_t{leader.size()})
-        .Put(block)
-        .Put(std::uint16_t{0})
-        .Put(imageType)
-        .Put(time)
-        .Put(settings.pixelFormat)
-        .Put(settings.width)
-        .Put(settings.height)
-        .Put(settings.offsetX)
-        .Put(settings.offsetY)
-        .Put(std::uint16_t{0})
-        .Put(std::uint16_t{0});
-    std::array<std::byte, 32> trailer{};
-    FieldWriter(trailer)
-        .Put(s_trailerPrefix)
-        .Put(std::uint16_t{0})
-        .Put(std::uint16_t{trailer.size()})
-        .Put(block)
-        .Put(std::uint16_t{0})
-        .Put(std::uint16_t{0})
-        .Put(std::uint64_t{image.size()})
-        .Put(settings.height);
-
-    bool isSent = SendMessage(run, epoch, {.data = leader});
-    std::span rest = image;
-    // The payload fills slots from the front; only the last one used ends with a short packet.
-    for (std::size_t slot = 0; isSent && !rest.empty(); ++slot) {
-        const std::size_t size = slot < slotCount ? slotSize : finalSizes[std::min<std::size_t>(slot - slotCount, 1)];
-        const std::size_t part = std::min(size, rest.size());
-        if (part != 0) {
-            isSent = SendMessage(
-                run, epoch, {.data = rest.first(part), .ending = part == size ? Ending::Open : Ending::ZeroLength});
-            rest = rest.subspan(part);
+    if (IsWidthExposed()) {
+        while (IsRun(run) && (!pulse_.end || Clock::now() < *pulse_.end)) {
+            if (pulse_.end) {
+                wake_.wait_until(lock, *pulse_.end);
+            } else {
+                wake_.wait(lock);
+            }
+        }
+        if (pulse_.end) {
+            const auto width = std::chrono::duration_cast<std::chrono::microseconds>(*pulse_.end - pulse_.start);
+            const auto limit = [this](std::uint32_t word) {
+                return std::int64_t{registers_.Word(Block::ExposureTime + word)};
+            };
+            settings.exposure =
+                static_cast<std::uint32_t>(std::clamp<std::int64_t>(width.count(), limit(0x14), limit(0x18)));
+        }
+    } else if (IsThrottled()) {
+        const Clock::time_point exposed = Clock::now() + std::chrono::microseconds(settings.exposure);
+        while (IsRun(run) && Clock::now() < exposed) {
+            wake_.wait_until(lock, exposed);
         }
     }
-    isSent = isSent && SendMessage(run, epoch, {.data = trailer});
-    lock.lock();
-    isInFrame_ = isTransferring_ = false;
-    UpdateLines();
-    return isSent;
-}
-
-/// Called without the lock. False when the stream has been switched off or the endpoint cleared.
-bool Device::SendMessage(std::uint64_t run, std::uint64_t epoch, Message message)
-{
-    while (!stream_.Send(message, epoch)) {
-        Lock lock(mutex_);
-        // An aborted acquisition still finishes the image that has begun: never half an image without its trailer.
-        const bool isCut = isQuitting_ || isUnplugRequested_ || !isPlugged_ || !IsStreamEnabled();
-        if (isCut || stream_.Epoch() != epoch) {
-            return false;
-        }
-        if (stream_.HasTransfer()) {
-            continue;
-        }
-        const bool mayMiss = IsRun(run) && IsThrottled() && !acquisition_.isStopping && HasFramesLeft() &&
-                             (!IsTriggered() || burstLeft_ != 0);
-        if (!mayMiss) {
-            wake_.wait(lock);
-            continue;
-        }
-        // The sensor goes on while the host keeps an image waiting: what it sees meanwhile is lost.
-        const Clock::time_point due = lastFrame_ + FramePeriod();
-        if (Clock::now() < due) {
-            wake_.wait_until(lock, due);
-            continue;
-        }
-        const std::uint64_t missed = BeginFrame();
-        for (const EventKind kind : {EventKind::FrameStart, EventKind::ExposureStart, EventKind::ExposureEnd}) {
-            Raise(kind, missed);
-        }
-        LoseFrame(missed);
-        Announce(lock);
-    }
-    return true;
+    return IsRun(run);
 }
 
 } // namespace Orvi::Vcam

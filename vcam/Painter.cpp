@@ -1,15 +1,16 @@
 #include "vcam/Painter.h"
 
+#include "vcam/PixelEncoder.h"
+
 #include <algorithm>
 #include <cstring>
 
 namespace Orvi::Vcam {
 
-namespace {
-
-std::size_t Index(std::int64_t at) { return static_cast<std::size_t>(at); }
-
-} // namespace
+std::size_t Painter::Offset(std::int64_t line, std::int64_t column) const
+{
+    return static_cast<std::size_t>(line) * lineBytes_ + format_->BytesBefore(static_cast<std::uint32_t>(column));
+}
 
 std::span<const std::byte> Painter::Draw(const PictureSettings &settings, std::uint64_t block)
 {
@@ -19,7 +20,9 @@ std::span<const std::byte> Painter::Draw(const PictureSettings &settings, std::u
         Restore(subjectArea_);
         Restore(markArea_);
     }
-    DrawSubject(block);
+    const Subject subject = scene_->SubjectOf(block);
+    DrawSubject(subject);
+    DrawBlemishes(subject);
     DrawMark(block);
     return image_;
 }
@@ -29,14 +32,9 @@ void Painter::Prepare(const PictureSettings &settings)
     settings_ = settings;
     scene_ = std::make_unique<Scene>(settings);
     lineBytes_ = settings.LineBytes();
-    pixelBytes_ = settings.Format().bytesPerPixel;
+    format_ = &settings_.Format();
     background_.resize(settings.ImageBytes());
-    std::byte *to = background_.data();
-    for (std::uint32_t y = 0; y < settings.height; ++y) {
-        for (std::uint32_t x = 0; x < settings.width; ++x) {
-            to = scene_->Encode(scene_->Background(x, y), x, y, to);
-        }
-    }
+    DrawBackground(*scene_, settings_, background_);
     image_ = background_;
     subject_ = MakeBrush(scene_->SubjectSignal());
     white_ = MakeBrush({s_white, s_white, s_white});
@@ -46,12 +44,9 @@ void Painter::Prepare(const PictureSettings &settings)
 Painter::Brush Painter::MakeBrush(Signal signal) const
 {
     Brush brush(2 * lineBytes_);
-    std::byte *to = brush.data();
-    for (std::uint32_t y = 0; y < 2; ++y) {
-        for (std::uint32_t x = 0; x < settings_.width; ++x) {
-            to = scene_->Encode(signal, x, y, to);
-        }
-    }
+    const std::vector<Signal> line(settings_.width, signal);
+    std::byte *second = EncodePixels(*format_, line, 0, 0, brush.data());
+    EncodePixels(*format_, line, 0, 1, second);
     return brush;
 }
 
@@ -61,9 +56,8 @@ void Painter::Paint(const Brush &brush, std::int64_t line, Interval columns)
     if (columns.IsEmpty()) {
         return;
     }
-    const std::size_t offset = Index(columns.first) * pixelBytes_;
-    std::memcpy(image_.data() + Index(line) * lineBytes_ + offset, brush.data() + Index(line % 2) * lineBytes_ + offset,
-                Index(columns.last - columns.first + 1) * pixelBytes_);
+    std::memcpy(image_.data() + Offset(line, columns.first), brush.data() + Offset(line % 2, columns.first),
+                Offset(0, columns.last + 1) - Offset(0, columns.first));
 }
 
 void Painter::Restore(const Area &area)
@@ -74,15 +68,21 @@ void Painter::Restore(const Area &area)
         return;
     }
     for (std::int64_t line = area.lines.first; line <= lastLine; ++line) {
-        const std::size_t offset = Index(line) * lineBytes_ + Index(area.columns.first) * pixelBytes_;
-        std::memcpy(image_.data() + offset, background_.data() + offset,
-                    Index(lastColumn - area.columns.first + 1) * pixelBytes_);
+        const std::size_t offset = Offset(line, area.columns.first);
+        std::memcpy(image_.data() + offset, background_.data() + offset, Offset(line, lastColumn + 1) - offset);
     }
 }
 
-void Painter::DrawSubject(std::uint64_t block)
+void Painter::DrawBlemishes(const Subject &subject)
 {
-    const Subject subject = scene_->SubjectOf(block);
+    for (const Blemish &blemish : scene_->Blemishes()) {
+        const Signal signal = scene_->BlemishSignal(blemish, subject);
+        EncodePixels(*format_, {&signal, 1}, blemish.x, blemish.y, image_.data() + Offset(blemish.y, blemish.x));
+    }
+}
+
+void Painter::DrawSubject(const Subject &subject)
+{
     subjectArea_ = {scene_->SubjectLines(subject), {settings_.width, -1}};
     for (std::int64_t line = subjectArea_.lines.first; line <= subjectArea_.lines.last; ++line) {
         const Interval columns = scene_->SubjectColumns(subject, line);

@@ -2,7 +2,7 @@
 // Draws images cheaply: the background once for all images with the same settings, then only the subject and the
 // block id. Pixels are those of RenderReference().
 
-#include "vcam/Scene.h"
+#include "vcam/Background.h"
 
 #include <memory>
 #include <vector>
@@ -25,12 +25,15 @@ class Painter {
     Brush MakeBrush(Signal signal) const;
     void Paint(const Brush &brush, std::int64_t line, Interval columns);
     void Restore(const Area &area);
-    void DrawSubject(std::uint64_t block);
+    void DrawSubject(const Subject &subject);
+    void DrawBlemishes(const Subject &subject);
+    std::size_t Offset(std::int64_t line, std::int64_t column) const;
     void DrawMark(std::uint64_t block);
 
     PictureSettings settings_;
     std::unique_ptr<Scene> scene_;
-    std::size_t lineBytes_ = 0, pixelBytes_ = 0;
+    const PixelFormat *format_ = nullptr;
+    std::size_t lineBytes_ = 0;
     std::vector<std::byte> background_, image_;
     Brush subject_, white_, black_;
     Area subjectArea_, markArea_;

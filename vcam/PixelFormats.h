@@ -6,7 +6,7 @@
 
 namespace Orvi::Vcam {
 
-enum class Colours : std::uint8_t { Mono, Bayer, Rgb, Bgr };
+enum class Colours : std::uint8_t { Mono, Bayer, Rgb, Bgr, Yuv411, Yuv422 };
 
 struct PixelFormat {
     std::uint32_t code;   ///< PFNC
@@ -14,8 +14,15 @@ struct PixelFormat {
     std::uint32_t size;   ///< value of the pixel size block: bits of a pixel, padding not counted
     Colours colours;
     std::uint8_t bits;          ///< of one channel
-    std::uint8_t bytesPerPixel; ///< all formats are unpacked
+    std::uint8_t bytesPerPixel; ///< all formats are unpacked; of YUV 4:1:1, every other pixel has one more
     std::uint8_t redX, redY;    ///< parity of the column and line of red in a Bayer pattern
+
+    /// Bytes of a line before column x.
+    constexpr std::size_t BytesBefore(std::uint32_t x) const
+    {
+        return std::size_t{x} * bytesPerPixel + (colours == Colours::Yuv411 ? (x + 1) / 2 : 0);
+    }
+    constexpr bool HasAllColours() const { return colours != Colours::Mono && colours != Colours::Bayer; }
 };
 
 // clang-format off
@@ -39,6 +46,8 @@ inline constexpr PixelFormat s_pixelFormats[] = {
     {0x01100013, 0x69,  12,    Colours::Bayer, 12,  2,   1, 1}, // BayerBG12
     {0x02180014, 0x20,  24,    Colours::Rgb,    8,  3,   0, 0}, // RGB8
     {0x02180015, 0x2A,  24,    Colours::Bgr,    8,  3,   0, 0}, // BGR8
+    {0x020C001E, 0x42,  12,    Colours::Yuv411, 8,  1,   0, 0}, // YUV411_8_UYYVYY
+    {0x0210001F, 0x4A,  16,    Colours::Yuv422, 8,  2,   0, 0}, // YUV422_8_UYVY
 };
 // clang-format on
 

@@ -113,6 +113,7 @@ void Device::PowerUp()
     registers_.AddRegion(Reg::Control, Reg::ControlSize, Rights::Read);
     LoadControlBlocks(registers_, config_.sensorWidth, config_.sensorHeight);
     LoadDeviceRegisters(registers_);
+    LoadTables(registers_, config_.sensorWidth, config_.sensorHeight);
 
     server_.Reset();
     events_.Reset();
@@ -127,15 +128,17 @@ void Device::PowerUp()
     nextBlock_ = 0;
     lineLevels_ = 0;
     dropped_ = 0;
-    lineSources_.fill(LineSourceValue::Off);
     triggers_.clear();
+    pulse_ = {};
     burstLeft_ = 0;
+    isSoftwareActive_ = false;
+    timers_ = {};
+    commands_.clear();
     if (userSets_[0].empty()) {
         SaveUserSet(0);
     }
     registers_.SetWord(Reg::UserSetDefault, defaultUserSet_);
     LoadUserSet(defaultUserSet_);
-    UpdateLines();
 }
 
 } // namespace Orvi::Vcam

@@ -86,7 +86,39 @@ constexpr std::uint64_t UserSetLoad           = Device + 0x38; // write 1
 constexpr std::uint64_t UserSetSave           = Device + 0x3C; // write 1
 constexpr std::uint64_t UserSetDefault        = Device + 0x40; // the set that is loaded at power-up
 constexpr std::uint64_t UserSetDone           = Device + 0x44; // 1 when no load or save is under way
+constexpr std::uint64_t ExposureMode          = Device + 0x48; // 0 timed, 1 as long as the trigger
+constexpr std::uint64_t TriggerSelector       = Device + 0x4C; // 0 frame start, 1 frame burst start
+constexpr std::uint64_t LutEnable             = Device + 0x50;
+constexpr std::uint64_t LutIndex              = Device + 0x54;
+constexpr std::uint64_t LutValue              = Device + 0x58;
+constexpr std::uint64_t MatrixRow             = Device + 0x5C; // 0 red, 1 green, 2 blue
+constexpr std::uint64_t MatrixColumn          = Device + 0x60;
+constexpr std::uint64_t MatrixElement         = Device + 0x64; // in thousandths, signed
+constexpr std::uint64_t DpcEnable             = Device + 0x68;
+constexpr std::uint64_t DpcNumber             = Device + 0x6C; // entries in use
+constexpr std::uint64_t DpcIndex              = Device + 0x70;
+constexpr std::uint64_t DpcEntryX             = Device + 0x74;
+constexpr std::uint64_t DpcEntryY             = Device + 0x78;
+constexpr std::uint64_t ShutterEnable         = Device + 0x7C; // sequential shutter
+constexpr std::uint64_t ShutterTerminateAt    = Device + 0x80; // last index of the sequence
+constexpr std::uint64_t ShutterIndex          = Device + 0x84; // from 1
+constexpr std::uint64_t ShutterEntry          = Device + 0x88; // exposure time in us
+constexpr std::uint64_t FrameSynchronization  = Device + 0x8C; // 0 off, 1 with all cameras of the bus
+constexpr std::uint64_t LineInverterOne       = Device + 0x90; // of the selected line, as the next two
+constexpr std::uint64_t LineModeOne           = Device + 0x94;
+constexpr std::uint64_t LineStatusOne         = Device + 0x98;
 constexpr std::uint32_t DeviceSize            = 0x100;
+
+// What selectors choose from; selected values are seen through other registers
+constexpr std::uint64_t Tables                = 0x240000;
+constexpr std::uint64_t LutTable              = Tables + 0x0000; // 1024 entries of 10 bits
+constexpr std::uint64_t MatrixTable           = Tables + 0x1000; // 3 x 3
+constexpr std::uint64_t DpcTable              = Tables + 0x1040; // 32 pairs of column and line of the sensor
+constexpr std::uint64_t ShutterTable          = Tables + 0x1140; // 16 exposure times
+constexpr std::uint64_t LineSourceTable       = Tables + 0x1180; // 3 lines
+constexpr std::uint64_t TimerTable            = Tables + 0x11A0; // 2 timers: delay, duration, source, 0
+constexpr std::uint64_t FormatTable           = Tables + 0x1200; // 3 image formats of up to 16 words
+constexpr std::uint32_t TablesSize            = 0x1300;
 
 // What no real camera has: see docs/virtual-camera.md
 constexpr std::uint64_t Virtual               = 0x0F000000;
@@ -97,7 +129,10 @@ constexpr std::uint64_t Unthrottled           = Virtual + 0x0C;
 constexpr std::uint64_t LineLevels            = Virtual + 0x10; // bit i: level at line i's pin
 constexpr std::uint64_t PendingAcks           = Virtual + 0x14; // commands that are answered with PENDING_ACK first
 constexpr std::uint64_t LostAcks              = Virtual + 0x18; // commands that are carried out but not answered
+constexpr std::uint64_t CommandDelay          = Virtual + 0x1C; // ms until commands report done; s_never: not at all
+constexpr std::uint64_t LastExposure          = Virtual + 0x20; // of the last image, in us
 constexpr std::uint32_t VirtualSize           = 0x40;
+constexpr std::uint32_t s_never               = 0xFFFFFFFF;
 // clang-format on
 
 } // namespace Orvi::Vcam::Reg

@@ -1,6 +1,6 @@
 #include "vcam/Scene.h"
 
-#include "vcam/Wire.h"
+#include "vcam/PixelEncoder.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,12 +11,7 @@ namespace {
 
 using std::int32_t, std::int64_t, std::uint32_t, std::uint64_t;
 
-/// At this exposure and 0 dB a signal equals the light.
-constexpr double s_neutralExposure = 10000;
-
 constexpr Signal s_subjectLight{3900, 3800, 3000};
-
-Signal Grey(int32_t value) { return {value, value, value}; }
 
 /// Goes up and down between 0 and `length`.
 int64_t Swing(uint64_t way, int64_t length)
@@ -50,16 +45,6 @@ Signal ColourBar(uint32_t bar)
     return {inverse & 2 ? s_white : 0, inverse & 4 ? s_white : 0, inverse & 1 ? s_white : 0};
 }
 
-// clang-format off
-constexpr std::uint8_t s_digits[10][7] = {
-    {0x0E, 0x11, 0x13, 0x15, 0x19, 0x11, 0x0E}, {0x04, 0x0C, 0x04, 0x04, 0x04, 0x04, 0x0E},
-    {0x0E, 0x11, 0x01, 0x06, 0x08, 0x10, 0x1F}, {0x1F, 0x02, 0x04, 0x02, 0x01, 0x11, 0x0E},
-    {0x02, 0x06, 0x0A, 0x12, 0x1F, 0x02, 0x02}, {0x1F, 0x10, 0x1E, 0x01, 0x01, 0x11, 0x0E},
-    {0x06, 0x08, 0x10, 0x1E, 0x11, 0x11, 0x0E}, {0x1F, 0x01, 0x02, 0x04, 0x08, 0x08, 0x08},
-    {0x0E, 0x11, 0x11, 0x0E, 0x11, 0x11, 0x0E}, {0x0E, 0x11, 0x11, 0x0F, 0x01, 0x02, 0x0C},
-};
-// clang-format on
-
 } // namespace
 
 const PixelFormat &PictureSettings::Format() const
@@ -70,38 +55,50 @@ const PixelFormat &PictureSettings::Format() const
 
 Scene::Scene(const PictureSettings &settings)
     : settings_(settings),
-      format_(settings_.Format()),
       stepX_(int64_t{settings.binningX} * settings.decimationX),
-      stepY_(int64_t{settings.binningY} * settings.decimationY)
+      stepY_(int64_t{settings.binningY} * settings.decimationY),
+      develop_(settings)
 {
-    const double gain = std::pow(10.0, settings.gain / 2000.0);
-    // A bin sums up the light of its pixels.
-    const double factor = settings.exposure / s_neutralExposure * gain * settings.binningX * settings.binningY * 65536;
-    const bool isMono = format_.colours == Colours::Mono;
-    redFactor_ = std::llround(factor * (isMono ? 1 : settings.redRatio / 1000.0));
-    greenFactor_ = std::llround(factor);
-    blueFactor_ = std::llround(factor * (isMono ? 1 : settings.blueRatio / 1000.0));
+    if (settings.testPattern != 0) {
+        return;
+    }
+    for (const SensorPixel &pixel : settings.corrected) {
+        AddBlemish(pixel, Blemish::Kind::Corrected);
+    }
+    for (const Defect &defect : DefectsOf(settings.sensorWidth, settings.sensorHeight)) {
+        AddBlemish(defect, defect.isWhite ? Blemish::Kind::White : Blemish::Kind::Black);
+    }
+}
 
-    hasColours_ = (format_.colours == Colours::Rgb || format_.colours == Colours::Bgr) &&
-                  (settings.hue != 0 || settings.saturation != 100);
-    // Hue turns about the grey axis, saturation stretches away from it.
-    const double angle = settings.hue / 1800.0 * 3.14159265358979323846;
-    const double saturation = settings.saturation / 100.0;
-    const double grey = (1 - std::cos(angle)) / 3, skew = std::sin(angle) / std::sqrt(3.0);
-    for (int row = 0; row < 3; ++row) {
-        for (int column = 0; column < 3; ++column) {
-            const double turned = row == column                 ? std::cos(angle) + grey
-                                  : (column - row + 3) % 3 == 1 ? grey - skew
-                                                                : grey + skew;
-            colours_[row][column] = std::llround((saturation * turned + (1 - saturation) / 3) * 4096);
-        }
+/// Where the image shows the pixel of the sensor, alone or in a bin; the first to claim a place has it.
+void Scene::AddBlemish(SensorPixel pixel, Blemish::Kind kind)
+{
+    if (pixel.x % stepX_ >= settings_.binningX || pixel.y % stepY_ >= settings_.binningY) {
+        return; // not read
     }
-    if (settings.gamma != 100) {
-        for (int32_t i = 0; i <= s_white; ++i) {
-            const double value = s_white * std::pow(i / double{s_white}, settings.gamma / 100.0);
-            gamma_.push_back(static_cast<std::uint16_t>(std::llround(value)));
-        }
+    int64_t x = pixel.x / stepX_ - settings_.offsetX;
+    int64_t y = pixel.y / stepY_ - settings_.offsetY;
+    x = settings_.reverseX ? int64_t{settings_.width} - 1 - x : x;
+    y = settings_.reverseY ? int64_t{settings_.height} - 1 - y : y;
+    if (x < 0 || y < 0 || x >= settings_.width || y >= settings_.height) {
+        return;
     }
+    const Blemish blemish{static_cast<uint32_t>(x), static_cast<uint32_t>(y), kind};
+    const bool isTaken = std::ranges::any_of(
+        blemishes_, [&](const Blemish &other) { return other.x == blemish.x && other.y == blemish.y; });
+    if (!isTaken) {
+        blemishes_.push_back(blemish);
+    }
+}
+
+Signal Scene::BlemishSignal(const Blemish &blemish, const Subject &subject) const
+{
+    if (blemish.kind != Blemish::Kind::Corrected) {
+        return Grey(blemish.kind == Blemish::Kind::White ? s_white : 0);
+    }
+    // The next pixel but one has the same colour in a Bayer pattern.
+    const uint32_t x = blemish.x >= 2 ? blemish.x - 2 : blemish.x + 2;
+    return ShowsSubject(subject, x, blemish.y) ? SubjectSignal() : Background(x, blemish.y);
 }
 
 int64_t Scene::SensorX(int64_t x) const
@@ -142,29 +139,6 @@ Signal Scene::SharpLight(int64_t x, int64_t y) const
     return {sharpen(&Signal::red), sharpen(&Signal::green), sharpen(&Signal::blue)};
 }
 
-Signal Scene::Develop(Signal light) const
-{
-    if (format_.colours == Colours::Mono) {
-        light = Grey((light.red + 2 * light.green + light.blue) / 4);
-    }
-    const auto expose = [this](int32_t value, int64_t factor) {
-        return static_cast<int32_t>(std::min<int64_t>((value * factor >> 16) + settings_.blackLevel, s_white));
-    };
-    Signal signal{expose(light.red, redFactor_), expose(light.green, greenFactor_), expose(light.blue, blueFactor_)};
-    if (hasColours_) {
-        const auto mix = [&signal](const int64_t(&row)[3]) {
-            const int64_t sum = row[0] * signal.red + row[1] * signal.green + row[2] * signal.blue;
-            return static_cast<int32_t>(std::clamp<int64_t>(sum / 4096, 0, s_white));
-        };
-        signal = {mix(colours_[0]), mix(colours_[1]), mix(colours_[2])};
-    }
-    if (!gamma_.empty()) {
-        const auto bend = [this](int32_t value) { return int32_t{gamma_[static_cast<std::size_t>(value)]}; };
-        signal = {bend(signal.red), bend(signal.green), bend(signal.blue)};
-    }
-    return signal;
-}
-
 Signal Scene::Background(uint32_t x, uint32_t y) const
 {
     switch (settings_.testPattern) {
@@ -182,15 +156,17 @@ Signal Scene::Background(uint32_t x, uint32_t y) const
         return Grey(static_cast<int32_t>(x * 16 / settings_.width * 273));
     case 7:
         return ColourBar(x * 8 / settings_.width);
+    case 8:
+        return Grey(static_cast<int32_t>(y * 16) & s_white);
     default:
-        return Develop(SharpLight(x, y));
+        return develop_(SharpLight(x, y));
     }
 }
 
 Signal Scene::SubjectSignal() const
 {
     // A test pattern is put in behind the sensor, where exposure and gain have no say any more.
-    return settings_.testPattern != 0 ? s_subjectLight : Develop(s_subjectLight);
+    return settings_.testPattern != 0 ? s_subjectLight : develop_(s_subjectLight);
 }
 
 Subject Scene::SubjectOf(uint64_t block) const
@@ -232,80 +208,29 @@ bool Scene::ShowsSubject(const Subject &subject, uint32_t x, uint32_t y) const
     return right * right + down * down <= subject.radius * subject.radius;
 }
 
-std::byte *Scene::Encode(Signal signal, uint32_t x, uint32_t y, std::byte *to) const
-{
-    const auto put8 = [&to](int32_t value) { *to++ = static_cast<std::byte>(value >> 4); };
-    if (format_.colours == Colours::Rgb || format_.colours == Colours::Bgr) {
-        const bool isRgb = format_.colours == Colours::Rgb;
-        put8(isRgb ? signal.red : signal.blue);
-        put8(signal.green);
-        put8(isRgb ? signal.blue : signal.red);
-        return to;
-    }
-    int32_t value = signal.green; // of a grey signal all three are alike
-    if (format_.colours == Colours::Bayer) {
-        const bool isRedColumn = x % 2 == format_.redX;
-        const bool isRedLine = y % 2 == format_.redY;
-        value = isRedColumn && isRedLine ? signal.red : !isRedColumn && !isRedLine ? signal.blue : signal.green;
-    }
-    if (format_.bytesPerPixel == 1) {
-        put8(value);
-        return to;
-    }
-    // More than 12 bits are filled from the top again, so that white is all ones.
-    const int32_t scaled =
-        format_.bits > 12 ? value << (format_.bits - 12) | value >> (24 - format_.bits) : value >> (12 - format_.bits);
-    StoreLe(to, static_cast<std::uint16_t>(scaled));
-    return to + 2;
-}
-
-BlockIdMark::BlockIdMark(const PictureSettings &settings, uint64_t block)
-    : block_(block),
-      bitColumns_(std::min(settings.width, 64u)),
-      scale_(std::clamp(std::min(settings.width / 160, settings.height / 100), 1u, 8u))
-{
-    do {
-        digits_[digitCount_++] = static_cast<std::uint8_t>(block % 10);
-        block /= 10;
-    } while (block != 0);
-    std::reverse(digits_.begin(), digits_.begin() + digitCount_);
-}
-
-std::optional<bool> BlockIdMark::At(uint32_t x, uint32_t y) const
-{
-    if (y == 0 && x < bitColumns_) {
-        return Bit(x);
-    }
-    const Interval lines = BoxLines(), columns = BoxColumns();
-    if (y < lines.first || y > lines.last || x < columns.first || x > columns.last) {
-        return std::nullopt;
-    }
-    // A margin of one dot around cells of six by seven dots.
-    const uint32_t column = x / scale_ - 2;
-    const uint32_t line = y / scale_ - 2;
-    if (x / scale_ < 2 || y / scale_ < 2 || line >= 7 || column % 6 == 5 || column / 6 >= digitCount_) {
-        return false;
-    }
-    return (s_digits[digits_[column / 6]][line] >> (4 - column % 6) & 1) != 0;
-}
-
 void RenderReference(const PictureSettings &settings, uint64_t block, std::span<std::byte> image)
 {
     const Scene scene(settings);
     const BlockIdMark mark(settings, block);
     const Subject subject = scene.SubjectOf(block);
     const Signal subjectSignal = scene.SubjectSignal();
+    std::vector<Signal> line(settings.width);
     std::byte *to = image.data();
     for (uint32_t y = 0; y < settings.height; ++y) {
         for (uint32_t x = 0; x < settings.width; ++x) {
-            if (const std::optional<bool> part = mark.At(x, y)) {
-                to = scene.Encode(Grey(*part ? s_white : 0), x, y, to);
-            } else if (scene.ShowsSubject(subject, x, y)) {
-                to = scene.Encode(subjectSignal, x, y, to);
-            } else {
-                to = scene.Encode(scene.Background(x, y), x, y, to);
+            line[x] = scene.ShowsSubject(subject, x, y) ? subjectSignal : scene.Background(x, y);
+        }
+        for (const Blemish &blemish : scene.Blemishes()) {
+            if (blemish.y == y) {
+                line[blemish.x] = scene.BlemishSignal(blemish, subject);
             }
         }
+        for (uint32_t x = 0; x < settings.width; ++x) {
+            if (const std::optional<bool> part = mark.At(x, y)) {
+                line[x] = Grey(*part ? s_white : 0);
+            }
+        }
+        to = EncodePixels(settings.Format(), line, 0, y, to);
     }
 }
 

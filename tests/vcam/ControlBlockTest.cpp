@@ -44,11 +44,11 @@ TEST_F(ControlBlocks, NumberOutsideItsLimitsIsInvalidAndChangesNothing)
 
 TEST_F(ControlBlocks, ChoiceTakesTheValuesOfItsMask)
 {
-    EXPECT_EQ(control_.TryWrite(Value(Block::TestPattern), 7), Success);
-    EXPECT_EQ(control_.TryWrite(Value(Block::TestPattern), 8), InvalidParameter);
+    EXPECT_EQ(control_.TryWrite(Value(Block::TestPattern), 8), Success);
+    EXPECT_EQ(control_.TryWrite(Value(Block::TestPattern), 9), InvalidParameter);
     EXPECT_EQ(control_.TryWrite(Value(Block::TestPattern), 128), InvalidParameter);
     EXPECT_EQ(control_.TryWrite(Value(Block::TestPattern), 0xFFFFFFFF), InvalidParameter);
-    EXPECT_EQ(control_.Read(Value(Block::TestPattern)), 7u);
+    EXPECT_EQ(control_.Read(Value(Block::TestPattern)), 8u);
 }
 
 TEST_F(ControlBlocks, ModeTakesTheModesOfItsInquiry)
@@ -107,7 +107,7 @@ TEST_F(ControlBlocks, CodingAndSizeMakeAFormatTogether)
     EXPECT_EQ(control_.Read(Value(Block::PixelCoding)), 0x63u);
     EXPECT_EQ(control_.Read(Value(Block::PixelSize)), 12u);
     EXPECT_EQ(control_.TryWrite(Reg::PixelFormat, 0x02180020), InvalidParameter);
-    EXPECT_EQ(control_.TryWrite(Value(Block::PixelCoding), 0x42), InvalidParameter);
+    EXPECT_EQ(control_.TryWrite(Value(Block::PixelCoding), 0x52), InvalidParameter);
 }
 
 TEST_F(ControlBlocks, GeometryIsRefusedWhileTheStreamIsEnabledOrImagesAreTaken)

@@ -151,6 +151,9 @@ TEST_F(DescriptionXmlFile, EveryEnumEntryIsAcceptedByItsRegister)
             continue;
         }
         const std::string reg = node.child_value("pValue");
+        if (std::string_view(nodes_.at(reg).child_value("AccessMode")) == "RO") {
+            continue;
+        }
         const std::uint64_t address = std::stoull(nodes_.at(reg).child_value("Address"), nullptr, 0);
         for (const pugi::xml_node entry : node.children("EnumEntry")) {
             const auto value = static_cast<std::uint32_t>(std::stoul(entry.child_value("Value"), nullptr, 0));

@@ -39,7 +39,8 @@ std::uint64_t ReadBlockId(const PictureSettings &settings, const std::vector<std
 {
     std::uint64_t id = 0;
     for (std::uint32_t x = 0; x < std::min(settings.width, 64u); ++x) {
-        const std::size_t at = std::size_t{x} * settings.Format().bytesPerPixel;
+        // The last byte of a pixel is its brightness in YUV formats, and white or black in all others.
+        const std::size_t at = settings.Format().BytesBefore(x + 1) - 1;
         id = id << 1 | (image[at] != std::byte{0} ? 1 : 0);
     }
     return id;
@@ -78,7 +79,7 @@ TEST(Picture, PainterDrawsTheReferenceInEveryFormatAndPattern)
 {
     Painter painter; // one for all: what it kept of earlier settings must not show
     for (const PixelFormat &format : s_pixelFormats) {
-        for (std::uint32_t pattern = 0; pattern < 8; ++pattern) {
+        for (std::uint32_t pattern = 0; pattern < 9; ++pattern) {
             PictureSettings settings = Settings(format.code);
             settings.testPattern = pattern;
             settings.width = 200;

@@ -1,0 +1,134 @@
+#include "vcam/Device.h"
+#include "vcam/DeviceRegisterTable.h"
+
+#include <algorithm>
+
+namespace Orvi::Vcam {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+/// Storing and loading settings takes a camera a while.
+constexpr milliseconds s_userSetTime{50};
+
+} // namespace
+
+bool Device::WrittenCommand(std::uint64_t address, std::uint32_t value)
+{
+    const auto selectedSet = [this] { return std::size_t{registers_.Word(Reg::UserSetSelector)}; };
+    switch (address) {
+    case Reg::EiTestControl:
+        if ((value & 1) != 0) {
+            Raise(EventKind::Test, 0);
+        }
+        break;
+    case Block::AcquisitionCommand + 0x1C:
+        CarryOut(value);
+        break;
+    case Reg::AcquisitionStart:
+        StartAcquisition(registers_.Word(Reg::AcquisitionMode));
+        break;
+    case Reg::AcquisitionAbort:
+        CarryOut(AcquisitionCommand::Abort);
+        break;
+    case Reg::UserSetSave:
+        SaveUserSet(selectedSet());
+        FinishCommand(address, s_userSetTime);
+        return true;
+    case Reg::UserSetLoad:
+        LoadUserSet(selectedSet());
+        FinishCommand(address, s_userSetTime);
+        return true;
+    case Reg::CommandDelay: {
+        // A new delay holds for commands under way too: the way out for one that would never be done.
+        const auto latest = Clock::now() + milliseconds(value);
+        for (auto &[command, done] : commands_) {
+            done = value == Reg::s_never ? done : std::min(done, latest);
+        }
+        return true;
+    }
+    default:
+        return false;
+    }
+    FinishCommand(address);
+    return true;
+}
+
+void Device::CarryOut(std::uint32_t acquisitionCommand)
+{
+    switch (acquisitionCommand) {
+    case AcquisitionCommand::Abort:
+        EndAcquisition();
+        break;
+    case AcquisitionCommand::Stop:
+        acquisition_.isStopping = acquisition_.isActive;
+        break;
+    case AcquisitionCommand::ImageBufferRead:
+        readOuts_ += readOuts_ < held_.size() ? 1 : 0;
+        break;
+    default:
+        StartAcquisition(acquisitionCommand);
+        break;
+    }
+}
+
+/// What the command does is done; its register keeps the command's value until it is to report so.
+void Device::FinishCommand(std::uint64_t address, milliseconds atLeast)
+{
+    const std::uint32_t delay = registers_.Word(Reg::CommandDelay);
+    if (delay == Reg::s_never) {
+        commands_[address] = Clock::time_point::max();
+    } else if (delay != 0 || atLeast != milliseconds{}) {
+        commands_[address] = Clock::now() + std::max(atLeast, milliseconds(delay));
+    } else {
+        commands_.erase(address);
+        registers_.SetWord(address, 0);
+    }
+}
+
+void Device::RefreshCommands()
+{
+    const Clock::time_point now = Clock::now();
+    std::erase_if(commands_, [&](const auto &command) {
+        const bool isDone = command.second <= now;
+        if (isDone) {
+            registers_.SetWord(command.first, 0);
+        }
+        return isDone;
+    });
+    const bool isBusy = commands_.contains(Reg::UserSetSave) || commands_.contains(Reg::UserSetLoad);
+    registers_.SetWord(Reg::UserSetDone, isBusy ? 0 : 1);
+}
+
+void Device::SaveUserSet(std::size_t number)
+{
+    std::vector<std::uint64_t> words = SettingWords();
+    words.insert(words.end(), std::begin(s_ownSettings), std::end(s_ownSettings));
+    const std::vector<std::uint64_t> tables = TableWords();
+    words.insert(words.end(), tables.begin(), tables.end());
+    UserSet &set = userSets_[number];
+    set.clear();
+    for (const std::uint64_t word : words) {
+        set.emplace_back(word, registers_.Word(word));
+    }
+}
+
+void Device::LoadUserSet(std::size_t number)
+{
+    // A set that was never saved holds what the factory's does.
+    const UserSet &set = userSets_[number].empty() ? userSets_[0] : userSets_[number];
+    for (const auto &[address, value] : set) {
+        registers_.SetWord(address, value);
+    }
+    ShowSelected(registers_);
+    WrittenFeature(Reg::BlueRatio, 0);
+    WrittenLineSelector();
+    UpdateTriggerSequence(registers_.Word(Block::TriggerSequence + 0x1C));
+    shutterStep_ = 0;
+    ClearImageBuffer();
+    inputLevel_ = LineStates() & 1;
+    UpdatePayloadSize();
+}
+
+} // namespace Orvi::Vcam

@@ -1,0 +1,46 @@
+#pragma once
+// What an image depends on, and the values that its pixels have before they are encoded.
+
+#include "vcam/Defects.h"
+#include "vcam/PixelFormats.h"
+
+#include <array>
+#include <vector>
+
+namespace Orvi::Vcam {
+
+/// All that an image depends on besides its block id.
+struct PictureSettings {
+    std::uint32_t sensorWidth = 0, sensorHeight = 0;
+    std::uint32_t width = 0, height = 0, offsetX = 0, offsetY = 0;
+    std::uint32_t pixelFormat = 0x01080001; ///< PFNC, one of s_pixelFormats
+    std::uint32_t exposure = 10000;         ///< µs
+    std::uint32_t gain = 0;                 ///< 0.01 dB
+    std::uint32_t blackLevel = 0;           ///< of 4095
+    std::uint32_t testPattern = 0;
+    std::uint32_t binningX = 1, binningY = 1, decimationX = 1, decimationY = 1;
+    bool reverseX = false, reverseY = false;
+    std::uint32_t gamma = 100;                                              ///< exponent, in hundredths
+    std::uint32_t sharpness = 0;                                            ///< of 8
+    std::int32_t hue = 0;                                                   ///< 0.1 degrees
+    std::uint32_t saturation = 100;                                         ///< percent
+    std::uint32_t redRatio = 1000, blueRatio = 1000;                        ///< to green, in thousandths
+    std::array<std::int32_t, 9> matrix{1000, 0, 0, 0, 1000, 0, 0, 0, 1000}; ///< colours from colours, in thousandths
+    std::vector<std::uint16_t> lut{};     ///< 1024 entries of 10 bits; empty when it is off
+    std::vector<SensorPixel> corrected{}; ///< pixels that are filled in from their neighbours
+
+    bool operator==(const PictureSettings &) const = default;
+    const PixelFormat &Format() const;
+    std::size_t LineBytes() const { return Format().BytesBefore(width); }
+    std::size_t ImageBytes() const { return LineBytes() * height; }
+};
+
+/// Light or signal of the three colours, 0 to s_white.
+struct Signal {
+    std::int32_t red, green, blue;
+};
+constexpr std::int32_t s_white = 4095;
+
+inline Signal Grey(std::int32_t value) { return {value, value, value}; }
+
+} // namespace Orvi::Vcam
