@@ -55,7 +55,7 @@ void InEndpoint::Submit(InTransfer &transfer)
         isQueued = !halted_ && !gone_;
         transfer.status = gone_ ? TransferStatus::Gone : halted_ ? TransferStatus::Stalled : TransferStatus::Completed;
         if (isQueued) {
-            posted_.push_back(&transfer); // from here on it may complete at any time
+            posted_.PushBack(&transfer); // from here on it may complete at any time
         }
     }
     if (isQueued) {
@@ -73,11 +73,9 @@ bool InEndpoint::Cancel(InTransfer &transfer)
             cancelBusy_ = true; // should its packets not complete it, the sender ends it
             return false;
         }
-        const auto found = std::find(posted_.begin(), posted_.end(), &transfer);
-        if (found == posted_.end()) {
+        if (!posted_.Remove(&transfer)) {
             return false;
         }
-        posted_.erase(found);
     }
     transfer.status = TransferStatus::Cancelled;
     transfer.Complete();
@@ -125,7 +123,7 @@ bool InEndpoint::IsHalted() const
 bool InEndpoint::HasTransfer() const
 {
     const std::lock_guard lock(mutex_);
-    return !posted_.empty();
+    return !posted_.IsEmpty();
 }
 
 std::uint64_t InEndpoint::Epoch() const
@@ -136,10 +134,11 @@ std::uint64_t InEndpoint::Epoch() const
 
 void InEndpoint::EndAll(std::unique_lock<std::mutex> &lock, TransferStatus status)
 {
-    std::deque<InTransfer *> ended;
-    ended.swap(posted_);
+    Fifo<InTransfer> ended;
+    std::swap(ended, posted_);
     lock.unlock();
-    for (InTransfer *transfer : ended) {
+    while (!ended.IsEmpty()) {
+        InTransfer *transfer = ended.PopFront();
         transfer->status = status;
         transfer->Complete();
     }
@@ -152,8 +151,7 @@ bool InEndpoint::Send(Message &message, std::uint64_t epoch)
         if (!CanSend(epoch)) {
             return false;
         }
-        InTransfer *transfer = posted_.front();
-        posted_.pop_front();
+        InTransfer *transfer = posted_.PopFront();
         busy_ = transfer;
         cancelBusy_ = false;
         lock.unlock();
@@ -178,7 +176,7 @@ bool InEndpoint::Send(Message &message, std::uint64_t epoch)
                                          : TransferStatus::Cancelled;
         }
         if (!isOver) {
-            posted_.push_front(transfer);
+            posted_.PushFront(transfer);
             continue;
         }
         lock.unlock();

@@ -1,10 +1,10 @@
 #pragma once
 // A bulk IN endpoint: transfers that the host has posted, and the packet rules by which the device's data fill them.
 
+#include "vcam/Fifo.h"
 #include "vcam/UsbFunction.h"
 
 #include <condition_variable>
-#include <deque>
 #include <functional>
 #include <mutex>
 
@@ -52,14 +52,14 @@ class InEndpoint {
     bool Send(Message &message, std::uint64_t epoch);
 
   private:
-    bool CanSend(std::uint64_t epoch) const { return !halted_ && !gone_ && epoch == epoch_ && !posted_.empty(); }
+    bool CanSend(std::uint64_t epoch) const { return !halted_ && !gone_ && epoch == epoch_ && !posted_.IsEmpty(); }
     void EndAll(std::unique_lock<std::mutex> &lock, TransferStatus status);
 
     const std::size_t packetSize_;
     const std::function<void()> onPosted_;
     mutable std::mutex mutex_;
     std::condition_variable idle_;
-    std::deque<InTransfer *> posted_;
+    Fifo<InTransfer> posted_;
     InTransfer *busy_ = nullptr; // being filled without the lock
     bool cancelBusy_ = false;
     bool halted_ = false;
