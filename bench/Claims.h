@@ -16,7 +16,7 @@ struct Claim {
     std::string text;                ///< what is compared with what
     std::function<double()> measure; ///< evaluated after the run
     std::string unit;
-    enum class Is { AtMost, AtLeast } direction;
+    enum class Is { AtMost, AtLeast, Shown } direction; ///< Shown: a figure without a limit
     double limit;
 };
 
