@@ -33,6 +33,7 @@ constexpr const RegisterValue *FindByName(std::span<const RegisterValue> table, 
 // clang-format off
 
 // 32 rows from "<prefix>0<suffix>" to "<prefix>31<suffix>".
+// NOLINTNEXTLINE(bugprone-macro-parentheses): literals are joined
 #define REGV_ROW(base, prefix, number, suffix) {(base) + (number), prefix #number suffix}
 #define REGV_ROWS_32(base, prefix, suffix)                                                  \
     REGV_ROW(base, prefix, 0, suffix),  REGV_ROW(base, prefix, 1, suffix),                  \

@@ -164,6 +164,10 @@ TEST_P(IntFeatureTest, ScaleIsInactiveWhenZeroOrEqual)
         EXPECT_EQ(Get(), 40u);
         ExpectSets(50, 50);
     }
+    if (!triesFloat) {
+        SetScale(4, 4, 0, 1000);
+        ExpectSets(50, 50); // an equal scale is no increment here
+    }
 }
 
 TEST_P(IntFeatureTest, ReadingIsSigned32BitAndTruncates)

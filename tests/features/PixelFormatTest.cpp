@@ -148,6 +148,27 @@ TEST_F(PixelFormatTest, RefusedRegistersTryTheNodesButStayTheStatus)
     EXPECT_EQ(stub.nodes["PixelFormat"].text, "Mono8");
 }
 
+TEST_F(PixelFormatTest, ChecksInOrder)
+{
+    auto format = static_cast<CAM_PIXEL_FORMAT>(77);
+    EXPECT_EQ(GetCamPixelFormat(0, nullptr), 7u);
+    EXPECT_EQ(GetCamPixelFormat(hCamera, nullptr), 0xDu);
+    EXPECT_EQ(GetCamPixelFormat(0, &format), 7u);
+    EXPECT_EQ(format, 77u);
+    EXPECT_EQ(SetCamPixelFormat(0, CAM_PIXEL_FORMAT_MONO8), 7u);
+    for (const CAM_HANDLE handle : {hCameraGev, hCameraUnknown, hForeign}) {
+        EXPECT_EQ(SetCamPixelFormat(handle, CAM_PIXEL_FORMAT_MONO8), 7u);
+        format = CAM_PIXEL_FORMAT_MONO8;
+        EXPECT_EQ(GetCamPixelFormat(handle, &format), 7u);
+        EXPECT_EQ(format, 0u) << "the output is cleared before anything is asked";
+    }
+    EXPECT_EQ(TakeCalls(), Lines{});
+    Terminate();
+    EXPECT_EQ(Get(1), 0u);
+    EXPECT_EQ(Set(0x01080001), 1u);
+    EXPECT_EQ(TakeFrame().back(), ExitLine(1, "SetCamPixelFormat"));
+}
+
 TEST_F(PixelFormatTest, StreamingRefuses)
 {
     SetStreaming(true);
