@@ -1,10 +1,15 @@
 #include "tests/u3v/FakeDevice.h"
 #include "tests/u3v/TestSignal.h"
+#include "u3v/core/Log.h"
 #include "u3v/protocol/EventChannel.h"
 #include "u3v/protocol/Wire.h"
 #include "u3v/usb/LoopbackLink.h"
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <unistd.h>
 
 namespace Orvi::Test {
 namespace {
@@ -36,16 +41,11 @@ class EventTest : public testing::Test {
     Event Take()
     {
         for (;;) {
-            Event event{};
-            try {
-                const auto delivered = channel->Take(event.request);
-                const auto *data = reinterpret_cast<const std::byte *>(delivered.data);
-                event.block.assign(data, data + blockHeader);
-                event.block.insert(event.block.end(), data + blockHeader,
-                                   data + blockHeader + Load<std::uint32_t>(event.block, 28));
-                return event;
-            } catch (const StatusError &error) {
-                event.status = error.Status();
+            const EventChannel::Taken taken = channel->Take();
+            Event event{taken.status, taken.request, {}};
+            if (taken.status == CAM_API_STS_SUCCESS) {
+                const auto *data = reinterpret_cast<const std::byte *>(taken.data);
+                event.block.assign(data, data + blockHeader + Load<std::uint32_t>(std::span(data, blockHeader), 28));
             }
             if (event.status != CAM_API_STS_EMPTY_COMPLETE_QUEUE || !WaitABit())
                 return event;
@@ -60,6 +60,18 @@ class EventTest : public testing::Test {
         const std::uint64_t handle = channel->Register(buffers.back().data(), size);
         channel->Queue(handle);
         return handle;
+    }
+
+    /// What the device log holds; stops it.
+    static std::string LogText()
+    {
+        const std::string path = testing::TempDir() + "u3v-event-log-" + std::to_string(getpid());
+        DeviceLog().Save(path.c_str());
+        DeviceLog().Stop();
+        std::ifstream file(path);
+        std::string text(std::istreambuf_iterator<char>(file), {});
+        std::remove(path.c_str());
+        return text;
     }
 
     int waited = 0;
@@ -102,16 +114,15 @@ TEST_F(EventTest, EventIsDeliveredInTheBlockLayout)
 TEST_F(EventTest, PacketWithSeveralEventsGivesEachOfThem)
 {
     Open(8);
-    Bytes entries;
+    Bytes entries(5 * 20);
     for (std::uint16_t i = 0; i < 5; ++i) {
         const Bytes entry =
             Pack(std::uint16_t{20}, static_cast<std::uint16_t>(0x9000 + i), std::uint64_t{i}, std::uint64_t{100U + i});
-        entries.insert(entries.end(), entry.begin(), entry.end());
+        std::copy(entry.begin(), entry.end(), entries.begin() + 20 * i);
     }
-    Bytes packet = Pack(std::uint32_t{0x45563355}, std::uint16_t{0}, std::uint16_t{0x0C00},
-                        static_cast<std::uint16_t>(entries.size()), std::uint16_t{1});
-    packet.insert(packet.end(), entries.begin(), entries.end());
-    device->SendEvent(packet);
+    device->SendEvent(Joined({Pack(std::uint32_t{0x45563355}, std::uint16_t{0}, std::uint16_t{0x0C00},
+                                   static_cast<std::uint16_t>(entries.size()), std::uint16_t{1}),
+                              entries}));
     for (std::uint16_t i = 0; i < 5; ++i) {
         const Event event = Take();
         EXPECT_EQ(event.Id(), 0x9000 + i);
@@ -154,8 +165,13 @@ TEST_F(EventTest, BurstLosesTheNewestAndCountsThem)
     EXPECT_EQ(channel->LostCount(), 15U);
     for (std::uint16_t i = 0; i < 5; ++i)
         EXPECT_EQ(Take().Id(), 0x9000 + i);
+    DeviceLog().StartRing(10000, CAM_LOG_LEVEL_WARN);
+    device->SendEvent(Bytes(3)); // malformed
     device->SendEvent(EventPacket(0x9999, 0, {}));
     EXPECT_EQ(Take().Id(), 0x9999);
+    const std::string log = LogText();
+    EXPECT_NE(log.find("15 events of F1 lost because no buffer was free, 15 in all"), std::string::npos) << log;
+    EXPECT_NE(log.find("malformed event packet of 3 bytes from F1: skipped, 1 in all"), std::string::npos) << log;
 }
 
 TEST_F(EventTest, FlushAndUnplugEndRequestsWithTheirStatus)

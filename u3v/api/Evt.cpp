@@ -92,9 +92,14 @@ CAM_API_STATUS UC_Evt_GetBuffer(CAM_HANDLE hEvt, uint64_t pvDequeueParam, const 
     return ApiCall([&] {
         const auto channel = EventChannels().Get(hEvt);
         Require(ppbData);
-        uint64_t ignored = 0;
-        auto *request = reinterpret_cast<uint64_t *>(static_cast<uintptr_t>(pvDequeueParam));
-        *ppbData = channel->Take(request == nullptr ? ignored : *request).data;
+        const EventChannel::Taken taken = channel->Take();
+        if (taken.status == CAM_API_STS_EMPTY_COMPLETE_QUEUE)
+            return taken.status;
+        if (auto *const request = reinterpret_cast<uint64_t *>(static_cast<uintptr_t>(pvDequeueParam)))
+            *request = taken.request;
+        if (taken.status == CAM_API_STS_SUCCESS)
+            *ppbData = taken.data;
+        return taken.status;
     });
 }
 

@@ -89,6 +89,7 @@ void EventChannel::Close()
     }
     camera_->Detach(Pipe::Event, *this);
     book_.Clear();
+    LogLost(lost_ - loggedLost_, lost_); // the last burst: no event came after it
 }
 
 void EventChannel::SwitchOff() noexcept
@@ -143,22 +144,20 @@ void EventChannel::Flush()
     }
 }
 
-EventChannel::Delivered EventChannel::Take(std::uint64_t &handle)
+EventChannel::Taken EventChannel::Take()
 {
-    Request *const complete = book_.TakeComplete();
-    if (complete == nullptr)
-        throw StatusError(CAM_API_STS_EMPTY_COMPLETE_QUEUE, "no event has arrived");
-    Request &request = *complete;
+    Request *const request = book_.TakeComplete();
+    if (request == nullptr)
+        return {};
     if (HasOwnBuffers()) {
         std::lock_guard lock(mutex_);
         if (lent_ != nullptr)
             waiting_.PushBack(*lent_);
-        lent_ = &request;
+        lent_ = request;
     }
-    handle = request.handle;
-    if (request.info.uiStatus != CAM_API_STS_SUCCESS)
-        throw StatusError(request.info.uiStatus, "the event request ended without an event");
-    return {reinterpret_cast<const unsigned char *>(request.memory), request.handle};
+    const CAM_API_STATUS status = request->info.uiStatus;
+    const auto *data = reinterpret_cast<const unsigned char *>(request->memory);
+    return {status, status == CAM_API_STS_SUCCESS ? data : nullptr, request->handle};
 }
 
 std::uint64_t EventChannel::LostCount() const
@@ -242,7 +241,9 @@ void EventChannel::HandleTransfer(std::unique_lock<std::mutex> &lock, BulkIn &tr
             HandlePacket(transfer.Received());
         lock.lock();
     } else if (status == TransferStatus::Babble) {
-        ++malformed_;
+        lock.unlock();
+        CountMalformed(transfer.Buffer().size() + 1); // at least: it was larger than the buffer
+        lock.lock();
     } else {
         // A camera that halts the endpoint again and again gets ever longer pauses.
         wake_.wait_for(lock, std::chrono::milliseconds(1LL << std::min(failures_++, 8)),
@@ -265,10 +266,7 @@ void EventChannel::HandlePacket(std::span<const std::byte> packet)
 {
     const auto events = ParseEventPacket(packet);
     if (!events) {
-        std::lock_guard lock(mutex_);
-        ++malformed_;
-        LogDevice(CAM_LOG_LEVEL_WARN, "malformed event packet of %zu bytes from %s", packet.size(),
-                  link_.Identity().serial.c_str());
+        CountMalformed(packet.size());
         return;
     }
     for (const EventEntry &event : *events) {
@@ -281,6 +279,7 @@ void EventChannel::HandlePacket(std::span<const std::byte> packet)
 void EventChannel::Deliver(const EventEntry &event, std::uint64_t blockId)
 {
     Request *request = nullptr;
+    std::uint64_t lost = 0, all = 0;
     {
         std::lock_guard lock(mutex_);
         request = waiting_.PopFront();
@@ -288,7 +287,10 @@ void EventChannel::Deliver(const EventEntry &event, std::uint64_t blockId)
             ++lost_;
             return;
         }
+        all = lost_;
+        lost = all - std::exchange(loggedLost_, all);
     }
+    LogLost(lost, all);
     const std::span block(request->memory, request->size);
     const std::size_t length = std::min(event.data.size(), block.size() - blockHeader);
     std::fill_n(block.begin(), blockHeader, std::byte{0});
@@ -302,6 +304,25 @@ void EventChannel::Deliver(const EventEntry &event, std::uint64_t blockId)
     request->info = {};
     request->info.ullValidPayloadSize = blockHeader + length;
     book_.Complete(*request);
+}
+
+void EventChannel::CountMalformed(std::size_t size)
+{
+    std::uint64_t count = 0;
+    {
+        std::lock_guard lock(mutex_);
+        count = ++malformed_;
+    }
+    LogDevice(CAM_LOG_LEVEL_WARN, "malformed event packet of %zu bytes from %s: skipped, %llu in all", size,
+              link_.Identity().serial.c_str(), static_cast<unsigned long long>(count));
+}
+
+void EventChannel::LogLost(std::uint64_t lost, std::uint64_t all) const
+{
+    if (lost != 0)
+        LogDevice(CAM_LOG_LEVEL_WARN, "%llu events of %s lost because no buffer was free, %llu in all",
+                  static_cast<unsigned long long>(lost), link_.Identity().serial.c_str(),
+                  static_cast<unsigned long long>(all));
 }
 
 void EventChannel::CompleteWaiting(CAM_API_STATUS status)

@@ -38,14 +38,16 @@ class EventChannel final : private BulkIn::Listener, private Camera::Channel {
     /// Completes all queued requests with 0x100B. Own buffers: drops the events that wait.
     void Flush();
 
-    struct Delivered {
-        const unsigned char *data;
-        std::uint64_t request; ///< 0 for own buffers
+    struct Taken {
+        CAM_API_STATUS status = CAM_API_STS_EMPTY_COMPLETE_QUEUE; ///< else that with which the request ended
+        const unsigned char *data = nullptr;                      ///< set when the status is 0
+        std::uint64_t request = 0;                                ///< 0 for own buffers
     };
-    /// The oldest delivered event; that of an own buffer is valid until the next call. Throws StatusError: 0x14 when
-    /// there is none, else the status with which the request ended, with `request` set.
-    Delivered Take(std::uint64_t &request);
+    /// The oldest complete request; the data of an own buffer is valid until the next call. An empty queue is asked
+    /// once too often for every event: nothing is thrown or allocated for it.
+    Taken Take();
 
+    // Both are logged too: malformed packets as they come, lost events with the next one that finds a buffer.
     std::uint64_t LostCount() const;      ///< events for which no buffer was free
     std::uint64_t MalformedCount() const; ///< packets that could not be understood
 
@@ -66,6 +68,8 @@ class EventChannel final : private BulkIn::Listener, private Camera::Channel {
     void HandlePacket(std::span<const std::byte> packet);
     void HandleEvent(const EventEntry &event);
     void Deliver(const EventEntry &event, std::uint64_t blockId);
+    void CountMalformed(std::size_t size);
+    void LogLost(std::uint64_t lost, std::uint64_t all) const;
     void CompleteWaiting(CAM_API_STATUS status);
     void SwitchOff() noexcept;
     bool HasOwnBuffers() const { return !own_.empty(); }
@@ -87,6 +91,7 @@ class EventChannel final : private BulkIn::Listener, private Camera::Channel {
     bool isGone_ = false, isCameraClosed_ = false, isClosing_ = false, isClosed_ = false;
     int failures_ = 0; // in a row
     std::uint64_t lost_ = 0, malformed_ = 0;
+    std::uint64_t loggedLost_ = 0;
 
     std::thread thread_;
 };
