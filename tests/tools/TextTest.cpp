@@ -19,6 +19,11 @@ TEST(Text, NumberReadsBackAsTheSame)
 {
     EXPECT_EQ(Number(0.1), "0.1");
     EXPECT_EQ(Number(10000), "10000");
+    EXPECT_EQ(Number(16000000), "16000000");
+    EXPECT_EQ(Number(0), "0");
+    EXPECT_EQ(Number(-1e300), "-1e+300");
+    EXPECT_EQ(Number(0.00012345678901234567), "0.00012345678901234567");
+    EXPECT_EQ(Number(1e-7), "1e-07");
     EXPECT_EQ(ParseFloat(Number(1.0 / 3)), 1.0 / 3);
 }
 

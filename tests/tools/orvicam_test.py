@@ -76,6 +76,11 @@ class Errors(OrvicamTest):
         self.fail_with(2, ["jpg", "png"], "grab", "--format", "jpg")
         self.fail_with(2, ["65"], "--virtual", 65)
         self.fail_with(2, ["--count"], "grab", "--count", 0)
+        self.fail_with(2, ["--count"], "events", "Test", "--count", 0)
+        self.fail_with(2, ["event"], "events")
+        self.fail_with(2, ["feature"], "describe")
+        self.fail_with(2, ["file"], "save")
+        self.fail_with(2, ["file"], "load")
 
     def test_help_lists_the_exit_codes(self):
         text = self.succeed("--help").out
@@ -93,9 +98,12 @@ class Errors(OrvicamTest):
         self.fail_with(3, [str(transport), "ELF"], "list", ORVICAMSDK=str(self.folder))
 
     def test_no_camera_says_how_to_get_a_virtual_one(self):
-        for verb in (["list"], ["info"], ["get", "Width"], ["set", "Width=64"], ["grab"]):
-            result = self.fail_with(4, ["no camera", "--virtual 1", "ORVI_VIRTUAL_CAMERAS=1"], "--virtual", 0, *verb)
-            self.assertRegex(result.err, "plugged in|virtual cameras only")
+        usb = re.search("USB: (.*)", self.succeed("info", "--virtual", 1).out)[1]
+        hint = "knows virtual cameras only" if usb.startswith("no ") else "plugged in"
+        for verb in (["list"], ["info"], ["get", "Width"], ["set", "Width=64"], ["grab"], ["features"], ["values"],
+                     ["describe", "Width"], ["events", "Test"], ["save", self.folder / "a"], ["load", "a"]):
+            self.fail_with(4, ["no camera", hint, "--virtual 1", "ORVI_VIRTUAL_CAMERAS=1"], "--virtual", 0, *verb)
+        self.assertEqual(self.files(), [])
 
     def test_an_empty_list_is_valid_json(self):
         self.assertEqual(self.fail_with(4, ["no camera"], "--virtual", 0, "list", "--json").json(), [])
@@ -119,7 +127,8 @@ class Selection(OrvicamTest):
         self.fail_with(4, ["'7'"], "--virtual", 2, "get", "Width", "-c", "7")
 
     def test_a_camera_must_be_named_where_several_are_attached(self):
-        for verb in (["get", "Width"], ["set", "Width=64"], ["grab"]):
+        for verb in (["get", "Width"], ["set", "Width=64"], ["grab"], ["features"], ["values"], ["describe", "Width"],
+                     ["events", "Test"], ["save", self.folder / "a"], ["load", __file__]):
             self.fail_with(4, ["2 cameras", "VC000001, VC000002", "--camera"], "--virtual", 2, *verb)
 
     def test_options_may_stand_before_and_after_the_verb(self):
@@ -228,6 +237,183 @@ class Features(OrvicamTest):
     def test_what_has_no_value_says_so(self):
         self.refuse(["Root", "category"], "get", "Root")
         self.refuse(["TimestampLatch", "command"], "get", "TimestampLatch")
+
+
+class Units(OrvicamTest):
+    def set(self, *arguments):
+        return self.succeed("--virtual", 1, "set", *arguments).out
+
+    def refuse(self, texts, assignment):
+        self.fail_with(5, texts, "--virtual", 1, "set", assignment)
+
+    def test_a_value_may_have_the_unit_of_the_feature(self):
+        self.assertEqual(self.set("ExposureTime=5000us", "Gain=3dB", "AcquisitionFrameRate=50 Hz", "Width=640px"),
+                         "ExposureTime=5000\nGain=3\nAcquisitionFrameRate=50\nWidth=640\n")
+
+    def test_units_of_the_same_kind_are_converted(self):
+        self.assertEqual(self.set("ExposureTime=5ms", "ExposureTime=0.01s", "ExposureTime=7000000ns",
+                                  "AcquisitionFrameRate=0.02kHz"),
+                         "ExposureTime=5000\nExposureTime=10000\nExposureTime=7000\nAcquisitionFrameRate=20\n")
+
+    def test_another_unit_is_refused_by_the_name_of_the_own(self):
+        self.refuse(["ExposureTime: '5Hz'", "its unit is us", "ms", "20 to"], "ExposureTime=5Hz")
+        self.refuse(["Width: '5ms'", "its unit is px", "1920 px"], "Width=5ms")
+        self.refuse(["Gain: '3%'", "its unit is dB"], "Gain=3%")
+        self.refuse(["Gamma: '1px'", "without a unit"], "Gamma=1px")
+
+    def test_a_converted_value_out_of_range_is_named_as_it_was_given(self):
+        self.refuse(["ExposureTime: 5000s is out of range", "to 16000000 us"], "ExposureTime=5000s")
+
+    def test_a_part_of_a_pixel_is_no_integer(self):
+        self.refuse(["Width: '64.5px' is no integer"], "Width=64.5px")
+
+    def test_names_of_entries_are_values_and_not_quantities(self):
+        self.assertEqual(self.set("PixelFormat=BayerRG12", "ReverseX=on"), "PixelFormat=BayerRG12\nReverseX=true\n")
+
+    def test_a_text_with_a_unit_stays_a_text(self):
+        self.assertEqual(self.set("UserDefinedName=5ms"), "UserDefinedName=5ms\n")
+
+    def test_grab_takes_units_too(self):
+        self.grab("-o", self.folder, settings=["ExposureTime=1ms"])
+
+
+class Tree(OrvicamTest):
+    def features(self, *arguments):
+        camera, = self.succeed("--virtual", 1, "features", "--json", *arguments).json()
+        return {feature["name"]: feature for feature in camera["features"]}
+
+    def test_features_is_a_tree_with_values_units_limits_and_access(self):
+        lines = self.succeed("--virtual", 1, "features").out.splitlines()
+        self.assertIn("ImageFormatControl", lines)
+        width = next(line for line in lines if line.strip().startswith("Width "))
+        self.assertRegex(width, r"^  Width +RW  1920 px +16 to 1920 in steps of \d+$")
+        self.assertGreater(lines.index(width), lines.index("ImageFormatControl"))
+        self.assertLess(lines.index(width), lines.index("AcquisitionControl"))
+        self.assertTrue(any(re.match(r"^  ExposureTime +RW  10000 us +[\d.]+ to \d+$", line) for line in lines))
+        self.assertTrue(any(re.match(r"^  DeviceSerialNumber +RO  VC000001$", line) for line in lines))
+        self.assertTrue(any(re.match(r"^  TimestampLatch +\w\w$", line) for line in lines))
+        self.assertFalse(any(line.endswith(" ") for line in lines))
+
+    def test_features_json_has_the_same_typed(self):
+        width = self.features()["Width"]
+        self.assertEqual((width["type"], width["access"], width["value"], width["unit"], width["min"], width["max"]),
+                         ("Integer", "RW", 1920, "px", 16, 1920))
+        self.assertGreater(width["increment"], 1)
+        self.assertEqual(width["categories"], ["ImageFormatControl"])
+
+    def test_all_shows_what_is_hidden(self):
+        few, many = self.features(), self.features("--all")
+        self.assertLess(few.keys(), many.keys())
+        self.assertLessEqual({feature["visibility"] for feature in few.values()}, {"Beginner", "Expert"})
+        self.assertTrue({feature["visibility"] for name, feature in many.items() if name not in few} <=
+                        {"Guru", "Invisible"})
+
+    def test_what_is_not_available_has_no_value(self):
+        feature = self.features()["EventExposureEnd"]
+        self.assertEqual(feature["access"], "NA")
+        self.assertNotIn("value", feature)
+
+    def test_several_cameras_each_have_a_tree(self):
+        lines = self.succeed("--virtual", 2, "-c", "*", "features").out.splitlines()
+        self.assertEqual([line for line in lines if line.startswith("VC")], ["VC000001", "VC000002"])
+        self.assertEqual(lines.count("ImageFormatControl"), 2)
+
+    def test_values_are_those_that_get_reads(self):
+        lines = self.succeed("--virtual", 1, "values").out.splitlines()
+        self.assertIn("Width=1920", lines)
+        self.assertIn("DeviceSerialNumber=VC000001", lines)
+        names = [line.split("=")[0] for line in lines]
+        self.assertEqual(len(names), len(set(names)))
+        self.assertNotIn("TimestampLatch", names)
+        self.assertEqual(self.succeed("--virtual", 1, "get", *names).out.splitlines(), lines)
+
+    def test_writable_values_are_taken_back_by_set(self):
+        lines = self.succeed("--virtual", 1, "values", "--writable").out.splitlines()
+        self.assertIn("Width=1920", lines)
+        self.assertNotIn("DeviceSerialNumber=VC000001", lines)
+        self.assertEqual(self.succeed("--virtual", 1, "set", *lines).out.splitlines(), lines)
+
+    def test_values_json(self):
+        camera, = self.succeed("--virtual", 1, "values", "--json").json()
+        self.assertEqual(camera["serial"], "VC000001")
+        self.assertEqual((camera["values"]["Width"], camera["values"]["ReverseX"]), (1920, False))
+
+    def test_describe_tells_all_of_a_feature(self):
+        text = self.succeed("--virtual", 1, "describe", "ExposureTime", "PixelFormat").out
+        exposure, pixel_format = text.split("PixelFormat\n")
+        self.assertTrue(exposure.startswith("ExposureTime\n"))
+        for label, value in (("type", "Float"), ("unit", "us"), ("value", "10000 us"), ("access", "RW"),
+                             ("visibility", "Beginner"), ("limits", r"[\d.]+ to \d+"), ("tool tip", ".*light.*")):
+            self.assertRegex(exposure, rf"(?m)^  {label} +{value}$")
+        self.assertRegex(pixel_format, r"(?m)^  type +Enumeration$")
+        self.assertRegex(pixel_format, r"(?m)^  entries +Mono8, .*RGB8")
+        self.assertNotIn("limits", pixel_format)
+
+    def test_describe_json(self):
+        camera, = self.succeed("--virtual", 1, "describe", "Gain", "TestPattern", "TimestampLatch", "--json").json()
+        gain, pattern, latch = camera["features"]
+        self.assertEqual((gain["type"], gain["unit"], gain["value"]), ("Float", "dB", 0.0))
+        self.assertIn("ColorBar", pattern["entries"])
+        self.assertEqual(latch["type"], "Command")
+        self.assertNotIn("value", latch)
+
+    def test_describe_takes_categories(self):
+        self.assertRegex(self.succeed("--virtual", 1, "describe", "AnalogControl").out, r"(?m)^  type +Category$")
+
+    def test_describe_of_an_unknown_feature_names_the_closest(self):
+        self.fail_with(5, ["'Widht'", "Width"], "--virtual", 1, "describe", "Widht")
+
+
+class Settings(OrvicamTest):
+    def setUp(self):
+        super().setUp()
+        self.file = self.folder / "settings"
+        self.saved = orvicam("--virtual", 1, "save", self.file)
+        self.works = "status 0x808" not in self.saved.err
+
+    def need_files(self):
+        if not self.works:
+            self.skipTest("the transport has no parameter files")
+
+    def test_a_transport_without_parameter_files_is_named(self):
+        if self.works:
+            self.skipTest("the transport has parameter files")
+        self.assertEqual(self.files(), [])
+        self.fail_with(1, ["VC000001", str(self.file), "this transport", "0x808"], "--virtual", 1, "save", self.file)
+        self.fail_with(1, ["VC000001", __file__, "this transport", "0x808"], "--virtual", 1, "load", __file__)
+
+    def test_what_was_saved_can_be_loaded(self):
+        self.need_files()
+        self.assertEqual((self.saved.code, self.saved.out), (0, f"VC000001: saved to {self.file}\n"), self.saved.err)
+        self.assertEqual(self.files(), ["settings"])
+        self.assertIn("Width", self.file.read_text())
+        self.assertEqual(self.succeed("--virtual", 2, "-c", "*", "load", self.file).out,
+                         f"VC000001: loaded {self.file}\nVC000002: loaded {self.file}\n")
+        self.assertEqual(self.succeed("--virtual", 1, "load", self.file, "--dpc", "--json").json(),
+                         [{"serial": "VC000001", "file": str(self.file)}])
+
+    def test_a_broken_file_is_refused(self):
+        self.need_files()
+        self.file.write_text("no settings at all\n")
+        result = orvicam("--virtual", 1, "load", self.file)
+        self.assertIn(result.code, (5, 8), result.err)
+        self.assertIn(str(self.file), result.err)
+
+    def test_an_existing_file_is_kept_unless_forced(self):
+        self.file.write_text("precious")
+        self.fail_with(8, [str(self.file), "--force"], "--virtual", 1, "save", self.file)
+        self.assertEqual(self.file.read_text(), "precious")
+        forced = orvicam("--virtual", 1, "save", self.file, "--force")
+        self.assertEqual(forced.code, 0 if self.works else 1, forced.err)
+        self.assertEqual(self.file.read_text() == "precious", not self.works)
+        self.assertEqual(self.files(), ["settings"])
+
+    def test_a_file_that_cannot_be_read_is_named(self):
+        self.fail_with(8, [str(self.folder / "none"), "No such file"], "--virtual", 1, "load", self.folder / "none")
+
+    def test_several_cameras_do_not_share_a_file(self):
+        self.fail_with(2, ["2 cameras", "--camera"], "--virtual", 2, "-c", "*", "save", self.folder / "b")
+        self.assertFalse((self.folder / "b").exists())
 
 
 class Grab(OrvicamTest):
@@ -364,6 +550,100 @@ class Files(OrvicamTest):
         done = subprocess.run(["bash", "-c", script], capture_output=True, text=True, check=False, env=environment())
         self.assertEqual(done.returncode, 8, done.stderr)
         self.assertEqual(self.files(), [])
+
+
+class Events(OrvicamTest):
+    def events(self, *arguments, cameras=1):
+        out = self.succeed("--virtual", cameras, "events", "--json", *arguments).out
+        return [json.loads(line) for line in out.splitlines()]
+
+    def start(self, *arguments):
+        process = subprocess.Popen([os.environ["ORVICAM"], "--virtual", "1", "events", "--json", *arguments, "--set",
+                                    *SMALL], env=environment(), stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        self.addCleanup(process.kill)
+        return process
+
+    def end(self, process):
+        """Ctrl-C; the exit code, the lines and the errors."""
+        process.send_signal(signal.SIGINT)
+        out, err = process.communicate(timeout=60)
+        return process.returncode, [json.loads(line) for line in out.splitlines()], err
+
+    def test_each_line_has_time_name_and_block_id(self):
+        out = self.succeed("--virtual", 1, "events", "ExposureEnd", "FrameStart", "-n", 6, "-s", *SMALL).out
+        lines = out.splitlines()
+        self.assertEqual(len(lines), 6)
+        for line in lines:
+            self.assertRegex(line, r"^ *\d+\.\d{9}  (ExposureEnd|FrameStart ) +\d+$")
+        self.assertEqual({line.split()[1] for line in lines}, {"ExposureEnd", "FrameStart"})
+
+    def test_json_is_an_object_a_line(self):
+        events = self.events("ExposureEnd", "--count", 5, "--set", *SMALL)
+        self.assertEqual([event["event"] for event in events], ["ExposureEnd"] * 5)
+        self.assertEqual({event["serial"] for event in events}, {"VC000001"})
+        self.assertEqual({event["eventId"] for event in events}, {"0x9002"})
+        for key in ("timestampNs", "blockId"):
+            values = [event[key] for event in events]
+            self.assertEqual(values, sorted(set(values)))
+
+    def test_globs_name_several_events(self):
+        names = {event["event"] for event in self.events("*", "Test", "-n", 12, "-s", "TestEventGenerate", *SMALL)}
+        self.assertLessEqual({"Test", "AcquisitionStart", "ExposureStart", "ExposureEnd", "FrameStart", "FrameEnd"}, names)
+
+    def test_events_come_without_images_too(self):
+        event, = self.events("Test", "--count", 1, "--no-stream", "--set", "TestEventGenerate")
+        self.assertEqual((event["event"], event["eventId"], event["blockId"]), ("Test", "0x4FFF", 0))
+
+    def test_only_the_events_asked_for_come(self):
+        self.fail_with(7, ["no event within 300 ms, after 0 events"], "--virtual", 1, "events", "Line0RisingEdge",
+                       "--timeout", 300, "--set", *SMALL)
+
+    def test_settings_are_made_before_images_are_taken(self):
+        self.fail_with(7, ["after 0 events"], "--virtual", 1, "events", "ExposureEnd", "--timeout", 300, "--set", *SMALL,
+                       "TriggerMode=On")
+        self.fail_with(5, ["Width"], "--virtual", 1, "events", "ExposureEnd", "--set", "Width=3")
+
+    def test_an_unknown_event_lists_those_there_are(self):
+        self.fail_with(5, ["VC000001", "'ExposureFinish'", "ExposureStart, ExposureEnd, FrameStart", "FrameLost"],
+                       "--virtual", 1, "events", "ExposureEnd", "ExposureFinish")
+
+    def test_several_cameras_are_told_apart(self):
+        out = self.succeed("--virtual", 2, "-c", "*", "events", "Test", "-n", 2, "-s", "TestEventGenerate",
+                           "--no-stream").out
+        self.assertEqual({line.split()[0] for line in out.splitlines()}, {"VC000001", "VC000002"})
+
+    def test_ctrl_c_is_the_regular_end_without_a_count(self):
+        process = self.start("FrameEnd")
+        self.assertEqual(json.loads(process.stdout.readline())["event"], "FrameEnd")
+        code, _, err = self.end(process)
+        self.assertEqual((code, err), (0, ""))
+
+    def test_ctrl_c_before_the_count_is_an_interruption(self):
+        process = self.start("FrameEnd", "--count", "1000000")
+        process.stdout.readline()
+        code, _, err = self.end(process)
+        self.assertEqual((code, err), (130, "orvicam: interrupted\n"))
+
+    def test_the_end_of_acquisition_is_shown(self):
+        process = self.start("AcquisitionStart", "AcquisitionEnd")
+        self.assertEqual(json.loads(process.stdout.readline())["event"], "AcquisitionStart")
+        code, events, err = self.end(process)
+        self.assertEqual((code, [event["event"] for event in events], err), (0, ["AcquisitionEnd"], ""))
+
+    def test_an_unplugged_camera_is_an_error(self):
+        asan = os.environ.get("ASAN_OPTIONS", "")
+        result = orvicam("--virtual", 1, "events", "FrameEnd", "--set", *SMALL, LD_PRELOAD=os.environ["UNPLUG_PRELOAD"],
+                         ASAN_OPTIONS=asan + ":verify_asan_link_order=0")
+        self.assertEqual((result.code, result.err), (6, "orvicam: VC000001 was unplugged\n"))
+        self.assertGreaterEqual(len(result.out.splitlines()), 3)
+
+    def test_waiting_takes_no_processor_time(self):
+        process = subprocess.Popen([os.environ["ORVICAM"], "--virtual", "1", "events", "Test", "--no-stream",
+                                    "--timeout", "2000"], env=environment(), stderr=subprocess.DEVNULL)
+        _, status, usage = os.wait4(process.pid, 0)
+        process.returncode = os.waitstatus_to_exitcode(status)
+        self.assertEqual(process.returncode, 7)
+        self.assertLess(usage.ru_utime + usage.ru_stime, 1.5)
 
 
 class Interruption(OrvicamTest):

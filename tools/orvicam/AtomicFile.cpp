@@ -19,7 +19,7 @@ Failure CannotWrite(const std::filesystem::path &path, int error)
 
 Failure Exists(const std::filesystem::path &path)
 {
-    return {ExitCode::File, path.string() + " exists: say --force to overwrite it, or another --output"};
+    return {ExitCode::File, path.string() + " exists: say --force to overwrite it, or give another name"};
 }
 
 void MakeFolder(const std::filesystem::path &folder)

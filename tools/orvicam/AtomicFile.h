@@ -18,6 +18,8 @@ class AtomicFile {
     AtomicFile &operator=(const AtomicFile &) = delete;
 
     std::FILE *Stream() const { return stream_; }
+    /// Where the content goes until Commit(), for writers that want a name.
+    const std::filesystem::path &Temporary() const { return temporary_; }
 
     /// Throws Failure(File) when not everything could be written, or when the name was taken meanwhile.
     void Commit();

@@ -1,6 +1,8 @@
 #include "Feature.h"
 
 #include "Failure.h"
+#include "NodeAttributes.h"
+#include "Quantity.h"
 #include "Text.h"
 
 #include <algorithm>
@@ -13,54 +15,10 @@ namespace {
 constexpr bool s_verify = true;
 constexpr bool s_useCache = false;
 
-/// A text from a call that takes (buffer, size) and tells the size for a null buffer.
-template <class Call>
-CAM_API_STATUS ReadText(std::string &text, const Call &call)
-{
-    std::uint32_t size = 0;
-    if (const CAM_API_STATUS status = call(nullptr, &size); status != CAM_API_STS_SUCCESS)
-        return status;
-    std::string buffer(size, '\0');
-    const CAM_API_STATUS status = call(buffer.data(), &size);
-    if (status == CAM_API_STS_SUCCESS)
-        text = buffer.c_str(); // up to the NUL
-    return status;
-}
-
 bool IsCameraGone(CAM_API_STATUS status)
 {
     return status == CAM_API_STS_TIMEOUT || status == CAM_API_STS_CAMERA_NOT_RESPONDING ||
            status == CAM_API_STS_FLUSHED_BY_CAMERA_REMOVE;
-}
-
-template <class Value>
-struct Range {
-    Value min{}, max{};
-    Value step{}; ///< 0 when every value between the limits is taken
-};
-
-std::optional<Range<std::int64_t>> IntRange(CAM_HANDLE camera, CAM_HANDLE node)
-{
-    Range<std::int64_t> range;
-    if (Nd_GetIntMin(camera, node, &range.min) != CAM_API_STS_SUCCESS ||
-        Nd_GetIntMax(camera, node, &range.max) != CAM_API_STS_SUCCESS)
-        return std::nullopt;
-    if (Nd_GetIntInc(camera, node, &range.step) != CAM_API_STS_SUCCESS || range.step <= 1)
-        range.step = 0;
-    return range;
-}
-
-std::optional<Range<double>> FloatRange(CAM_HANDLE camera, CAM_HANDLE node)
-{
-    Range<double> range;
-    bool hasStep = false;
-    if (Nd_GetFloatMin(camera, node, &range.min) != CAM_API_STS_SUCCESS ||
-        Nd_GetFloatMax(camera, node, &range.max) != CAM_API_STS_SUCCESS)
-        return std::nullopt;
-    if (Nd_GetFloatHasInc(camera, node, &hasStep) != CAM_API_STS_SUCCESS || !hasStep ||
-        Nd_GetFloatInc(camera, node, &range.step) != CAM_API_STS_SUCCESS)
-        range.step = 0;
-    return range;
 }
 
 std::string Words(std::int64_t value) { return std::to_string(value); }
@@ -71,7 +29,7 @@ std::string Words(const std::optional<Range<Value>> &range, const std::string &u
 {
     if (!range)
         return "";
-    return "; it takes " + Words(range->min) + " to " + Words(range->max) + unit +
+    return "; it takes " + Words(range->min) + " to " + Words(range->max) + (unit.empty() ? "" : " " + unit) +
            (range->step != 0 ? " in steps of " + Words(range->step) : "");
 }
 
@@ -97,7 +55,27 @@ Feature::Feature(CAM_HANDLE camera, CAM_HANDLE node, std::string name)
 bool Feature::IsReadable() const
 {
     const CAM_NODE_ACCESS_MODE mode = AccessMode();
-    return type_ != CAM_NODE_TYPE_COMMAND && (mode == CAM_NODE_ACCESS_MODE_RO || mode == CAM_NODE_ACCESS_MODE_RW);
+    return HasValue() && (mode == CAM_NODE_ACCESS_MODE_RO || mode == CAM_NODE_ACCESS_MODE_RW);
+}
+
+bool Feature::IsWritable() const
+{
+    const CAM_NODE_ACCESS_MODE mode = AccessMode();
+    return HasValue() && (mode == CAM_NODE_ACCESS_MODE_WO || mode == CAM_NODE_ACCESS_MODE_RW);
+}
+
+bool Feature::HasValue() const
+{
+    switch (type_) {
+    case CAM_NODE_TYPE_INTEGER:
+    case CAM_NODE_TYPE_FLOAT:
+    case CAM_NODE_TYPE_BOOLEAN:
+    case CAM_NODE_TYPE_STRING:
+    case CAM_NODE_TYPE_ENUMERATION:
+        return true;
+    default:
+        return false;
+    }
 }
 
 Json Feature::Value() const
@@ -142,9 +120,8 @@ Json Feature::Value() const
     return value;
 }
 
-std::string Feature::Text() const
+std::string Feature::Text(const Json &value) const
 {
-    const Json value = Value();
     if (value.is_string())
         return value.get<std::string>();
     if (value.is_number_float())
@@ -156,18 +133,33 @@ std::string Feature::Text() const
     return value.dump();
 }
 
-CAM_API_STATUS Feature::TrySet(const std::string &text) const
+std::string Feature::InOwnUnit(const std::string &text) const
 {
-    const auto parsed = [&](const auto &number, const char *kind) {
-        if (!number)
-            Refuse("'" + text + "' is no " + kind + Takes());
+    const auto quantity = ParseQuantity(text);
+    if (!quantity || (type_ != CAM_NODE_TYPE_INTEGER && type_ != CAM_NODE_TYPE_FLOAT))
+        return text;
+    const std::string unit = Unit();
+    if (unit.empty())
+        Refuse("'" + text + "' has the unit " + quantity->unit + ", but it takes a number without a unit" + Takes());
+    if (const auto number = Convert(*quantity, unit))
         return *number;
+    const std::string others = Join(UnitsAlike(unit), ", ");
+    Refuse("'" + text + "' has the unit " + quantity->unit + ", but its unit is " + unit +
+           (others.empty() ? "" : " (it takes " + others + " too)") + Takes());
+}
+
+CAM_API_STATUS Feature::TrySet(const std::string &text, const std::string &number) const
+{
+    const auto parsed = [&](const auto &value, const char *kind) {
+        if (!value)
+            Refuse("'" + text + "' is no " + kind + Takes());
+        return *value;
     };
     switch (type_) {
     case CAM_NODE_TYPE_INTEGER:
-        return Nd_SetIntValue(camera_, node_, parsed(ParseInteger(text), "integer"), s_verify);
+        return Nd_SetIntValue(camera_, node_, parsed(ParseInteger(number), "integer"), s_verify);
     case CAM_NODE_TYPE_FLOAT:
-        return Nd_SetFloatValue(camera_, node_, parsed(ParseFloat(text), "number"), s_verify);
+        return Nd_SetFloatValue(camera_, node_, parsed(ParseFloat(number), "number"), s_verify);
     case CAM_NODE_TYPE_BOOLEAN:
         return Nd_SetBoolValue(camera_, node_, parsed(ParseBool(text), "truth value (true or false)"), s_verify);
     case CAM_NODE_TYPE_STRING:
@@ -183,7 +175,8 @@ CAM_API_STATUS Feature::TrySet(const std::string &text) const
 
 void Feature::Set(const std::string &text) const
 {
-    const CAM_API_STATUS status = TrySet(text);
+    const std::string number = InOwnUnit(text);
+    const CAM_API_STATUS status = TrySet(text, number);
     if (status == CAM_API_STS_SUCCESS)
         return;
     // Before another call can replace the camera's own words.
@@ -205,7 +198,7 @@ void Feature::Set(const std::string &text) const
         if (std::find(entries.begin(), entries.end(), text) == entries.end())
             Refuse("'" + text + "' is none of its entries" + Takes());
     }
-    if (!Fits(text))
+    if (!Fits(number))
         Refuse(text + " is out of range" + Takes());
     Refuse("'" + text + "' was refused: " + reason);
 }
@@ -224,31 +217,12 @@ CAM_NODE_ACCESS_MODE Feature::AccessMode() const
     return mode;
 }
 
-std::string Feature::Unit() const
-{
-    std::string unit;
-    ReadText(unit, [&](char *buffer, std::uint32_t *size) { return Nd_GetUnit(camera_, node_, buffer, size); });
-    return unit.empty() ? "" : " " + unit;
-}
+std::string Feature::Unit() const { return UnitOf(camera_, node_); }
 
 std::vector<std::string> Feature::Entries() const
 {
     std::vector<std::string> entries;
-    std::uint32_t count = 0;
-    Check(Nd_GetNumOfEnumEntries(camera_, node_, &count), "cannot list its entries");
-    for (std::uint32_t i = 0; i < count; ++i) {
-        CAM_HANDLE entry = 0;
-        CAM_NODE_ACCESS_MODE mode{};
-        std::string name;
-        Check(Nd_GetEnumEntryByIndex(camera_, node_, i, &entry), "cannot list its entries");
-        Check(
-            ReadText(name, [&](char *buffer,
-                               std::uint32_t *size) { return Nd_GetEnumEntryStrValue(camera_, entry, buffer, size); }),
-            "cannot list its entries");
-        const bool known = Nd_GetAccessMode(camera_, entry, &mode) == CAM_API_STS_SUCCESS;
-        if (!known || (mode != CAM_NODE_ACCESS_MODE_NI && mode != CAM_NODE_ACCESS_MODE_NA))
-            entries.push_back(name);
-    }
+    Check(ReadEntries(camera_, node_, entries), "cannot list its entries");
     return entries;
 }
 

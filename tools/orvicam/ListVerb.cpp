@@ -1,6 +1,7 @@
 #include "Failure.h"
 #include "Print.h"
 #include "Session.h"
+#include "Table.h"
 #include "Verbs.h"
 
 #include <algorithm>
@@ -40,21 +41,6 @@ Json ToJson(const CameraEntry &camera)
             {"model", camera.model}, {"userName", camera.userName}, {"linkSpeed", Speed(camera).name}};
 }
 
-template <std::size_t columns>
-void PrintTable(const std::vector<std::array<std::string, columns>> &rows)
-{
-    std::array<std::size_t, columns> widths{};
-    for (const auto &row : rows)
-        for (std::size_t i = 0; i < columns; ++i)
-            widths[i] = std::max(widths[i], row[i].size());
-    for (const auto &row : rows) {
-        std::string line;
-        for (std::size_t i = 0; i < columns; ++i)
-            line += row[i] + std::string(i + 1 < columns ? widths[i] - row[i].size() + 2 : 0, ' ');
-        PrintLine(line);
-    }
-}
-
 Json Identity(const CameraEntry &camera)
 {
     CAM_U3V_INFO_EX u3v{};
@@ -91,7 +77,7 @@ void PrintVersions()
     CAM_SYSTEM_INFO info{};
     Check(Sys_GetInformation(&info), "versions");
     PrintLine(std::string("library ") + info.szApiVersion + ", transport " + info.szTransportName + " " +
-              info.szTransportVersion);
+              info.szTransportVersion + ", USB: " + info.szTransportUsbVersion);
 }
 
 } // namespace

@@ -112,10 +112,11 @@ std::vector<std::string> Serials(const std::vector<CameraEntry> &cameras)
 /// What to check when nothing is attached.
 std::string NoCameraText()
 {
-    // A transport that drives USB tells the version of its USB library there; one that does not tells a remark.
+    // The transport tells its USB library and version there, or that it has none: "no libusb".
     CAM_SYSTEM_INFO info{};
-    const bool usb = Sys_GetInformation(&info) == CAM_API_STS_SUCCESS && info.szTransportUsbVersion[0] >= '0' &&
-                     info.szTransportUsbVersion[0] <= '9';
+    const std::string usbLibrary =
+        Sys_GetInformation(&info) == CAM_API_STS_SUCCESS ? Text(info.szTransportUsbVersion) : "";
+    const bool usb = !usbLibrary.empty() && !usbLibrary.starts_with("no ");
     return std::string("no camera found: ") +
            (usb ? "check that it is plugged in and powered, that lsusb shows it, and that you may open its device "
                   "file below /dev/bus/usb"

@@ -4,6 +4,7 @@
 #include <cctype>
 #include <cerrno>
 #include <charconv>
+#include <cmath>
 #include <cstdlib>
 #include <numeric>
 #include <utility>
@@ -50,8 +51,12 @@ std::string Hex(std::uint64_t value, int digits)
 
 std::string Number(double value)
 {
-    char text[32];
-    return {text, std::to_chars(std::begin(text), std::end(text), value).ptr};
+    char text[64];
+    // 16000000 reads better than 1.6e+07.
+    const double size = std::abs(value);
+    const auto format =
+        size == 0 || (size >= 1e-4 && size < 1e15) ? std::chars_format::fixed : std::chars_format::general;
+    return {text, std::to_chars(std::begin(text), std::end(text), value, format).ptr};
 }
 
 std::string Join(const std::vector<std::string> &words, std::string_view separator)

@@ -17,15 +17,25 @@ struct Options {
     std::optional<unsigned> virtualCameras;
     bool json = false;
 
-    std::vector<std::string> features; ///< of get
+    std::vector<std::string> features; ///< of get and describe
     bool bare = false;
+    bool all = false;      ///< features: also those for gurus and for nobody
+    bool writable = false; ///< values: only what set takes now
 
-    std::vector<std::string> assignments; ///< "Name=value" or "Command", of set and grab
+    std::vector<std::string> assignments; ///< "Name=value" or "Command", of set, grab and events
     std::uint64_t count = 1;
     std::string output = ".";
     std::optional<FileFormat> format;
     unsigned timeout = 5000; ///< ms
     IfExists ifExists = IfExists::Refuse;
+
+    std::vector<std::string> events;         ///< names or globs
+    std::optional<std::uint64_t> eventCount; ///< until Ctrl-C when not given
+    std::optional<unsigned> eventTimeout;    ///< ms
+    bool stream = true;                      ///< take images, so that there are events of them
+
+    std::string file; ///< of save and load
+    bool defectivePixels = false;
 };
 
 void List(const Options &options);
@@ -33,5 +43,11 @@ void Info(const Options &options);
 void Get(const Options &options);
 void Set(const Options &options);
 void Grab(const Options &options);
+void Events(const Options &options);
+void Features(const Options &options);
+void Values(const Options &options);
+void Describe(const Options &options);
+void Save(const Options &options);
+void Load(const Options &options);
 
 } // namespace Orvi::Tool

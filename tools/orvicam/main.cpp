@@ -1,4 +1,4 @@
-// orvicam: looks for cameras, reads and sets their features, and grabs images into files.
+// orvicam: looks for cameras, reads and sets their features, grabs images into files and shows events.
 
 #include "Failure.h"
 #include "Verbs.h"
@@ -23,21 +23,40 @@ Exit codes:
   4    no such camera, or several where one must be named
   5    no such feature, or the feature refused
   6    the camera failed, was unplugged or is in use
-  7    images did not come, or cannot be written in the wanted format
-  8    a file exists already or cannot be written
+  7    images or events did not come, or images cannot be written in the wanted format
+  8    a file exists already, or cannot be read or written
   130  interrupted with Ctrl-C
 
 Environment: ORVICAMSDK names the SDK folder (default: the folder above this program's, then /opt/OrviCamSDK),
 ORVI_VIRTUAL_CAMERAS=N asks for N virtual cameras as --virtual N does.)";
 
-void AddVerbs(CLI::App &app, Options &options, void (*&verb)(const Options &))
-{
-    const auto add = [&](const char *name, const char *what, void (*run)(const Options &)) {
-        CLI::App *command = app.add_subcommand(name, what);
-        command->callback([&verb, run] { verb = run; });
+using Verb = void (*)(const Options &);
+
+/// Adds a verb to the command line that makes it the chosen one.
+class Adder {
+  public:
+    Adder(CLI::App &app, Verb &chosen) : app_(app), chosen_(chosen) {}
+    CLI::App *operator()(const char *name, const char *what, Verb run) const
+    {
+        CLI::App *command = app_.add_subcommand(name, what);
+        command->callback([&chosen = chosen_, run] { chosen = run; });
         command->footer("Also --camera NAME, --virtual N, --json; more: orvicam --help");
         return command;
-    };
+    }
+
+  private:
+    CLI::App &app_;
+    Verb &chosen_;
+};
+
+void AddForce(CLI::App &command, Options &options)
+{
+    command.add_flag_callback(
+        "--force", [&options] { options.ifExists = IfExists::Replace; }, "overwrite existing files");
+}
+
+void AddFeatureVerbs(const Adder &add, Options &options)
+{
     add("list", "list the attached cameras (the default)", List);
     add("info", "who the cameras are, and the versions in use", Info);
 
@@ -52,6 +71,28 @@ void AddVerbs(CLI::App &app, Options &options, void (*&verb)(const Options &))
         ->required()
         ->option_text("FEATURE=VALUE ...");
 
+    CLI::App *features = add("features", "all features as a tree, with value, unit, limits and access", Features);
+    features->add_flag("--all", options.all, "also those for gurus and those that are not meant to be seen");
+
+    CLI::App *values = add("values", "all values that can be read, as lines that set takes", Values);
+    values->add_flag("--writable", options.writable, "only what can be set now");
+
+    CLI::App *describe = add("describe", "all that is known of features", Describe);
+    describe->add_option("feature", options.features, "names, e.g. ExposureTime PixelFormat")
+        ->required()
+        ->option_text("FEATURE ...");
+
+    CLI::App *save = add("save", "save the settings of a camera to a file", Save);
+    save->add_option("file", options.file, "the file to write")->required()->option_text("FILE");
+    AddForce(*save, options);
+
+    CLI::App *load = add("load", "load settings that save has saved", Load);
+    load->add_option("file", options.file, "the file to read")->required()->option_text("FILE");
+    load->add_flag("--dpc", options.defectivePixels, "also load the table of defective pixels");
+}
+
+void AddImageVerbs(const Adder &add, Options &options)
+{
     CLI::App *grab = add("grab", "grab images into files", Grab);
     grab->add_option("-n,--count", options.count, "images of each camera (1)")
         ->check(CLI::Range(std::uint64_t{1}, std::uint64_t{1'000'000'000}))
@@ -69,8 +110,21 @@ void AddVerbs(CLI::App &app, Options &options, void (*&verb)(const Options &))
     grab->add_option("--timeout", options.timeout, "time to wait for each image (5000)")
         ->check(CLI::Range(1u, 3'600'000u))
         ->option_text("MS");
-    grab->add_flag_callback(
-        "--force", [&options] { options.ifExists = IfExists::Replace; }, "overwrite existing files");
+    AddForce(*grab, options);
+
+    CLI::App *events = add("events", "show events as they arrive, until Ctrl-C", Events);
+    events->add_option("event", options.events, "names, e.g. ExposureEnd, or globs like '*'")
+        ->required()
+        ->option_text("EVENT ...");
+    events->add_option("-n,--count", options.eventCount, "end after so many events")
+        ->check(CLI::PositiveNumber)
+        ->option_text("N");
+    events->add_option("-s,--set", options.assignments, "set before images are taken, in the order given")
+        ->option_text("FEATURE=VALUE ...");
+    events->add_option("--timeout", options.eventTimeout, "time to wait for each event (no limit)")
+        ->check(CLI::Range(1u, 3'600'000u))
+        ->option_text("MS");
+    events->add_flag("!--no-stream", options.stream, "leave acquisition alone; without it images are taken meanwhile");
 }
 
 } // namespace
@@ -78,7 +132,7 @@ void AddVerbs(CLI::App &app, Options &options, void (*&verb)(const Options &))
 int main(int argc, char **argv)
 {
     Options options;
-    void (*verb)(const Options &) = List;
+    Verb verb = List;
     CLI::App app{"Cameras on the command line.", "orvicam"};
     app.footer(s_footer);
     app.fallthrough();
@@ -91,7 +145,8 @@ int main(int argc, char **argv)
         ->check(CLI::Range(0u, 64u))
         ->option_text("N");
     app.add_flag("--json", options.json, "print JSON");
-    AddVerbs(app, options, verb);
+    AddFeatureVerbs(Adder(app, verb), options);
+    AddImageVerbs(Adder(app, verb), options);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
