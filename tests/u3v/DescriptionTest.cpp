@@ -9,8 +9,11 @@
 #include <gtest/gtest.h>
 #include <zlib.h>
 
+#include <filesystem>
 #include <fstream>
 #include <functional>
+#include <numeric>
+#include <unistd.h>
 
 namespace Orvi::Test {
 namespace {
@@ -92,8 +95,11 @@ class DescriptionTest : public testing::Test {
     {
         LoopbackLink link(device);
         GenCp control(link);
-        return FetchDescription(control, FakeDevice::manifest);
+        return FetchDescription(control, FakeDevice::manifest, DescriptionCache(folder, identity));
     }
+
+    std::string folder; // no cache when empty
+    DeviceIdentity identity{"", "Maker/..", "Model 5", "", "1.0 b", "", "", "", 0, 0, 0};
 
     std::shared_ptr<FakeDevice> device = std::make_shared<FakeDevice>();
 };
@@ -164,6 +170,85 @@ TEST_F(DescriptionTest, FileOfTheUsersMayBeZipped)
     }
     std::remove(path.c_str());
     EXPECT_NE(FailureOf([&] { ReadDescriptionFile(path); }).find(path), std::string::npos);
+}
+
+class DescriptionCacheTest : public DescriptionTest {
+  protected:
+    DescriptionCacheTest()
+    {
+        folder = testing::TempDir() + "u3v-cache-" + std::to_string(getpid());
+        std::filesystem::remove_all(folder);
+        std::filesystem::create_directory(folder);
+        SetManifest({{0x01000000, zipped, file, Sha1(file)}});
+    }
+    ~DescriptionCacheTest() override { std::filesystem::remove_all(folder); }
+
+    /// Bytes that a fetch reads from the camera.
+    std::size_t BytesOfFetch()
+    {
+        const std::size_t before = device->Commands().size();
+        EXPECT_EQ(Fetch(), text);
+        const std::vector<Command> commands = device->Commands();
+        return std::accumulate(commands.begin() + static_cast<std::ptrdiff_t>(before), commands.end(), std::size_t{0},
+                               [](std::size_t sum, const Command &command) { return sum + command.count; });
+    }
+    std::string Path() const { return DescriptionCache(folder, identity).PathOf(Sha1(file)); }
+    std::size_t FileCount() const
+    {
+        return static_cast<std::size_t>(
+            std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator()));
+    }
+
+    const std::string text = [] {
+        std::string incompressible;
+        std::uint32_t state = 1;
+        while (incompressible.size() < 8000)
+            incompressible += static_cast<char>(' ' + (state = state * 1664525 + 1013904223) % 90);
+        return incompressible;
+    }();
+    const Bytes file = Zip(text);
+};
+
+TEST_F(DescriptionCacheTest, SecondFetchReadsTheManifestAlone)
+{
+    constexpr std::size_t manifestSize = 8 + 64;
+    EXPECT_EQ(BytesOfFetch(), manifestSize + file.size());
+    EXPECT_EQ(BytesOfFetch(), manifestSize);
+    EXPECT_EQ(FileCount(), 1U);
+    EXPECT_EQ(std::filesystem::path(Path()).filename().string().find("Maker___-Model_5-1_0_b-"), 0U);
+}
+
+TEST_F(DescriptionCacheTest, DamagedFileIsReplaced)
+{
+    const std::size_t whole = BytesOfFetch();
+    for (const std::size_t size : {file.size() / 2, std::size_t{0}}) {
+        std::filesystem::resize_file(Path(), size);
+        EXPECT_EQ(BytesOfFetch(), whole);
+        EXPECT_EQ(std::filesystem::file_size(Path()), file.size());
+        EXPECT_LT(BytesOfFetch(), 2048U);
+    }
+}
+
+TEST_F(DescriptionCacheTest, OtherVersionOrOtherBytesAreFetched)
+{
+    const std::size_t whole = BytesOfFetch();
+    identity.deviceVersion = "2.0";
+    EXPECT_EQ(BytesOfFetch(), whole);
+    EXPECT_EQ(FileCount(), 2U);
+    SetManifest({{0x01000000, plain, BytesOf("other"), Sha1(BytesOf("other"))}});
+    EXPECT_EQ(Fetch(), "other");
+    EXPECT_EQ(FileCount(), 3U);
+}
+
+TEST_F(DescriptionCacheTest, NothingIsKeptWithoutADigestOrAFolder)
+{
+    SetManifest({{0x01000000, zipped, file, {}}});
+    EXPECT_EQ(BytesOfFetch(), BytesOfFetch());
+    EXPECT_EQ(FileCount(), 0U);
+    SetManifest({{0x01000000, zipped, file, Sha1(file)}});
+    std::filesystem::remove_all(folder);
+    EXPECT_EQ(BytesOfFetch(), BytesOfFetch());
+    EXPECT_FALSE(std::filesystem::exists(folder));
 }
 
 TEST(Sha1Test, GivesThePublishedDigests)

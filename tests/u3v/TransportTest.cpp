@@ -9,9 +9,11 @@
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <functional>
 #include <string>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace Orvi::Test {
@@ -331,6 +333,27 @@ TEST_F(TransportTest, CameraWithoutDescriptionHasNoNodesButItsXml)
     EXPECT_EQ(other, 0U);
 }
 
+TEST_F(TransportTest, UnusableDescriptionIsAnXmlErrorWithItsReason)
+{
+    const std::string path = testing::TempDir() + "u3v-bad-description-" + std::to_string(getpid());
+    const auto reasonOf = [&](const std::string &xml) {
+        std::ofstream(path) << xml;
+        CAM_HANDLE camera = 0;
+        EXPECT_EQ(UC_Cam_Open(1, nullptr, &camera, true, const_cast<char *>(path.c_str())), CAM_API_STS_XML_LOAD_ERR);
+        EXPECT_EQ(camera, 0U);
+        CAM_GENICAM_ERROR error{};
+        EXPECT_EQ(UC_Misc_GetLastGenICamError(&error), 0U);
+        return std::string(error.pszMessage);
+    };
+    const std::string dangling = reasonOf("<RegisterDescription><Category Name=\"Root\"><pFeature>Gain</pFeature>"
+                                          "</Category></RegisterDescription>");
+    EXPECT_NE(dangling.find("[Root]"), std::string::npos) << dangling;
+    EXPECT_NE(dangling.find("Gain"), std::string::npos) << dangling;
+    EXPECT_NE(reasonOf("no XML at all"), dangling);
+    std::remove(path.c_str());
+    EXPECT_EQ(UC_Cam_Close(OpenCamera(1, true)), 0U) << "the camera was given back";
+}
+
 TEST_F(TransportTest, WriteToARegisterIsSeenByTheNodes)
 {
     const CAM_HANDLE camera = OpenCamera(1, true);
@@ -397,6 +420,41 @@ TEST_F(TransportTest, ActivatedEventsArriveWithTheirBlocks)
     EXPECT_EQ(UC_Evt_Deregister(event, "ExposureEnd"), 0U);
     EXPECT_EQ(UC_Evt_Deregister(event, "ExposureEnd"), CAM_API_STS_NOT_FOUND);
     EXPECT_EQ(UC_Strm_Close(mode.stream), 0U);
+    EXPECT_EQ(UC_Evt_Close(event), 0U);
+    EXPECT_EQ(UC_Cam_Close(camera), 0U);
+}
+
+TEST_F(TransportTest, BurstThatTheCameraCouldNotKeepIsCountedByItsNode)
+{
+    constexpr uint64_t eventControl = 0x30000;
+    const CAM_HANDLE camera = OpenCamera(1, true);
+    const auto node = [&](const char *name) {
+        CAM_HANDLE handle = 0;
+        EXPECT_EQ(UC_Nd_GetNode(camera, name, &handle), 0U) << name;
+        return handle;
+    };
+    const auto lost = [&] {
+        int64_t count = 0;
+        EXPECT_EQ(UC_Nd_GetIntValue(node("EventLostCount"), &count, false, false), 0U);
+        return count;
+    };
+    const int64_t before = lost();
+    ASSERT_EQ(UC_Nd_SetEnumStrValue(node("EventSelector"), "Test", false), 0U);
+    ASSERT_EQ(UC_Nd_SetEnumStrValue(node("EventNotification"), "On", false), 0U);
+    // No transfer is posted, so the events stay in the camera's queue.
+    ASSERT_EQ(Write(camera, eventControl, 1), 0U);
+    for (int i = 0; i < 100; ++i)
+        ASSERT_EQ(UC_Nd_CmdExecute(node("TestEventGenerate"), false), 0U);
+
+    CAM_HANDLE event = 0;
+    TestSignal arrived;
+    ASSERT_EQ(UC_Evt_OpenUsingGenICam(camera, 1024, 8, &event), 0U);
+    ASSERT_EQ(UC_Evt_Register(event, "Test", "EventTest", arrived.Handle()), 0U);
+    ASSERT_EQ(UC_Nd_CmdExecute(node("TestEventGenerate"), false), 0U);
+    const unsigned char *data = nullptr;
+    while (UC_Evt_GetBuffer(event, 0, &data) == CAM_API_STS_EMPTY_COMPLETE_QUEUE)
+        ASSERT_TRUE(arrived.Wait());
+    EXPECT_EQ(lost() - before, 36);
     EXPECT_EQ(UC_Evt_Close(event), 0U);
     EXPECT_EQ(UC_Cam_Close(camera), 0U);
 }

@@ -86,10 +86,21 @@ void Camera::Close()
 
 void Camera::LoadNodes(const Options &options)
 {
-    if (!options.xmlFile.empty())
-        xml_ = ReadDescriptionFile(options.xmlFile);
-    port_ = std::make_unique<RegisterPort>(*this);
-    nodes_ = GenApi::NodeMap::Load(Xml(), *port_);
+    const char *const serial = link_->Identity().serial.c_str();
+    try {
+        if (!options.xmlFile.empty())
+            xml_ = ReadDescriptionFile(options.xmlFile);
+        port_ = std::make_unique<RegisterPort>(*this);
+        nodes_ = GenApi::NodeMap::Load(Xml(), *port_);
+    } catch (const GenApi::Error &error) {
+        LogDevice(CAM_LOG_LEVEL_ERROR, "description of %s: %s", serial, error.what());
+        throw StatusError(CAM_API_STS_XML_LOAD_ERR, error.what());
+    } catch (const StatusError &error) {
+        LogDevice(CAM_LOG_LEVEL_ERROR, "description of %s: %s", serial, error.what());
+        throw;
+    }
+    for (const std::string &note : nodes_->Notes())
+        LogDevice(CAM_LOG_LEVEL_INFO, "description of %s: %s", serial, note.c_str());
 }
 
 GenApi::NodeMap &Camera::Nodes() const
@@ -103,7 +114,7 @@ const std::string &Camera::Xml()
 {
     std::lock_guard lock(xmlMutex_);
     if (!xml_)
-        xml_ = FetchDescription(Control(), map_.manifestAddress);
+        xml_ = FetchDescription(Control(), map_.manifestAddress, DescriptionCache::FromEnvironment(link_->Identity()));
     return *xml_;
 }
 

@@ -56,7 +56,8 @@ class Camera final : private UsbLink::GoneListener {
         ~Channel() = default;
     };
 
-    /// Reads the bootstrap registers and, when asked to, the description. Throws StatusError or GenApi::Error.
+    /// Reads the bootstrap registers and, when asked to, the description. Throws StatusError: 0x101 when it is
+    /// unusable.
     Camera(std::unique_ptr<UsbLink> link, const Options &options);
     ~Camera();
 

@@ -65,25 +65,29 @@ const ManifestEntry &BestEntry(const std::vector<ManifestEntry> &entries)
 
 std::string UnpackDescription(const ManifestEntry &entry, std::span<const std::byte> stored)
 {
-    const bool isHashGiven =
-        std::any_of(entry.sha1.begin(), entry.sha1.end(), [](std::byte b) { return b != std::byte{0}; });
-    if (isHashGiven && Sha1(stored) != entry.sha1)
+    if (entry.HasSha1() && Sha1(stored) != entry.sha1)
         throw StatusError(CAM_API_STS_XML_LOAD_ERR, "the camera's description is damaged: its SHA-1 differs");
     if (entry.IsZipped())
         return WithoutPadding(UnzipFirstFile(stored));
     return WithoutPadding(std::string(reinterpret_cast<const char *>(stored.data()), stored.size()));
 }
 
-std::string FetchDescription(GenCp &control, std::uint64_t manifestAddress)
+std::string FetchDescription(GenCp &control, std::uint64_t manifestAddress, const DescriptionCache &cache)
 {
     const std::vector<ManifestEntry> entries = ReadManifest(control, manifestAddress);
     const ManifestEntry &entry = BestEntry(entries);
+    if (entry.HasSha1())
+        if (const auto stored = cache.Find(entry.sha1))
+            return UnpackDescription(entry, *stored);
     if (entry.size > maxStoredSize)
         throw StatusError(CAM_API_STS_XML_LOAD_ERR,
                           "the camera's description has " + std::to_string(entry.size) + " bytes");
     std::vector<std::byte> stored(entry.size);
     control.Read(entry.address, stored);
-    return UnpackDescription(entry, stored);
+    std::string xml = UnpackDescription(entry, stored);
+    if (entry.HasSha1())
+        cache.Keep(entry.sha1, stored);
+    return xml;
 }
 
 std::string ReadDescriptionFile(const std::string &path)

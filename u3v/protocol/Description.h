@@ -1,6 +1,7 @@
 #pragma once
 // The camera's GenICam description: found through its manifest, fetched, checked and unpacked.
 
+#include "u3v/protocol/DescriptionCache.h"
 #include "u3v/protocol/GenCp.h"
 
 #include <array>
@@ -17,6 +18,7 @@ struct ManifestEntry {
     std::uint64_t size;
     std::array<std::byte, 20> sha1; ///< of the stored bytes; all zero: none given
 
+    bool HasSha1() const { return sha1 != decltype(sha1){}; }
     bool IsDeviceDescription() const { return (schema & 0x7) == 0; }
     bool IsZipped() const { return (schema >> 10 & 0x3F) == 1; }
     bool HasKnownCompression() const { return (schema >> 10 & 0x3F) <= 1; }
@@ -30,8 +32,8 @@ const ManifestEntry &BestEntry(const std::vector<ManifestEntry> &entries);
 /// The stored bytes as XML text: checked, unpacked, without padding. Throws StatusError(0x101).
 std::string UnpackDescription(const ManifestEntry &entry, std::span<const std::byte> stored);
 
-/// All of the above.
-std::string FetchDescription(GenCp &control, std::uint64_t manifestAddress);
+/// All of the above; what the cache has is not fetched.
+std::string FetchDescription(GenCp &control, std::uint64_t manifestAddress, const DescriptionCache &cache);
 
 /// A description in a file of the user's, zipped or not. Throws StatusError(0x101).
 std::string ReadDescriptionFile(const std::string &path);
