@@ -36,7 +36,8 @@ LAYERS = [
     ("u3v genapi", "u3v/genapi/*", "u3v_core"),
     ("u3v usb", "u3v/usb/*", "u3v_core vcam_interface"),
     ("u3v protocol", "u3v/protocol/*", "u3v_genapi u3v_usb"),
-    ("u3v api", "u3v/api/*", "u3v_protocol"),
+    ("u3v parameters", "u3v/parameters/*", "u3v_protocol"),
+    ("u3v api", "u3v/api/*", "u3v_parameters"),
     # the command line sees what applications see
     ("tools", "tools/*", "header"),
 ]

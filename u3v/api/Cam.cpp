@@ -2,6 +2,7 @@
 
 #include "transport/TransportInterface.h"
 #include "u3v/api/ApiCall.h"
+#include "u3v/parameters/Parameters.h"
 #include "u3v/protocol/CameraRegistry.h"
 
 using namespace Orvi::U3v;
@@ -116,13 +117,17 @@ CAM_API_STATUS UC_Cam_ResetPipe(CAM_HANDLE hCam, uint32_t eFlg)
 CAM_API_STATUS UC_Cam_SaveParameter(CAM_HANDLE hCam, const char *pszFileName)
 {
     return ApiCall([&] {
-        Cameras().Get(hCam);
+        const auto camera = Cameras().Get(hCam);
         Require(pszFileName);
-        throw StatusError(U3V_CAM_API_STS_FUNCTION_NOT_AVAILABLE, "parameter files are not served");
+        SaveParameters(*camera, pszFileName);
     });
 }
 
-CAM_API_STATUS UC_Cam_LoadParameter(CAM_HANDLE hCam, const char *pszFileName, bool)
+CAM_API_STATUS UC_Cam_LoadParameter(CAM_HANDLE hCam, const char *pszFileName, bool bEnableDPC)
 {
-    return UC_Cam_SaveParameter(hCam, pszFileName);
+    return ApiCall([&] {
+        const auto camera = Cameras().Get(hCam);
+        Require(pszFileName);
+        LoadParameters(*camera, pszFileName, bEnableDPC ? DefectTable::Load : DefectTable::Leave);
+    });
 }

@@ -1,0 +1,233 @@
+// Parameter files through the C interface, on a virtual camera.
+
+#include "transport/TransportInterface.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <unistd.h>
+
+namespace Orvi::Test {
+namespace {
+
+class ParameterTest : public testing::Test {
+  protected:
+    ParameterTest()
+    {
+        setenv("ORVI_VIRTUAL_CAMERAS", "2", 1);
+        EXPECT_EQ(UC_Sys_Initialize(), 0U);
+        std::filesystem::create_directory(folder);
+        EXPECT_EQ(UC_Cam_Open(1, nullptr, &camera, true, nullptr), 0U);
+        EXPECT_EQ(Save(original), 0U);
+    }
+    ~ParameterTest() override
+    {
+        EXPECT_EQ(Load(original), 0U) << Error();
+        EXPECT_EQ(UC_Sys_Terminate(), 0U);
+        std::filesystem::remove_all(folder);
+    }
+
+    CAM_API_STATUS Save(const std::string &path) const { return UC_Cam_SaveParameter(camera, path.c_str()); }
+    CAM_API_STATUS Load(const std::string &path, bool dpc = true) const
+    {
+        return UC_Cam_LoadParameter(camera, path.c_str(), dpc);
+    }
+    /// Loads a file of these lines below a right head, which is line 1.
+    CAM_API_STATUS LoadText(const std::string &lines, bool dpc = true) const
+    {
+        return LoadWhole("OrviParameters 1 Virtual Camera\n" + lines, dpc);
+    }
+    CAM_API_STATUS LoadWhole(const std::string &text, bool dpc = true) const
+    {
+        std::ofstream(edited) << text;
+        return Load(edited, dpc);
+    }
+    static std::string TextOf(const std::string &path)
+    {
+        std::ifstream file(path);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    /// What a save writes now.
+    std::string State() const
+    {
+        EXPECT_EQ(Save(now), 0U) << Error();
+        return TextOf(now);
+    }
+    static std::string Error()
+    {
+        CAM_GENICAM_ERROR error{};
+        EXPECT_EQ(UC_Misc_GetLastGenICamError(&error), 0U);
+        return error.pszMessage;
+    }
+
+    CAM_HANDLE Node(const char *name) const
+    {
+        CAM_HANDLE node = 0;
+        EXPECT_EQ(UC_Nd_GetNode(camera, name, &node), 0U) << name;
+        return node;
+    }
+    int64_t Int(const char *name) const
+    {
+        int64_t value = 0;
+        EXPECT_EQ(UC_Nd_GetIntValue(Node(name), &value, false, false), 0U) << name;
+        return value;
+    }
+    void SetInt(const char *name, int64_t value) const
+    {
+        EXPECT_EQ(UC_Nd_SetIntValue(Node(name), value, false), 0U) << name << ": " << Error();
+    }
+    void SetEnum(const char *name, const char *value) const
+    {
+        EXPECT_EQ(UC_Nd_SetEnumStrValue(Node(name), value, false), 0U) << name << ": " << Error();
+    }
+    std::string Enum(const char *name) const
+    {
+        char text[64];
+        uint32_t size = sizeof text;
+        EXPECT_EQ(UC_Nd_GetEnumStrValue(Node(name), text, &size, false, false), 0U) << name;
+        return text;
+    }
+
+    CAM_HANDLE camera = 0;
+    const std::string folder = testing::TempDir() + "u3v-parameters-" + std::to_string(getpid());
+    const std::string original = folder + "/original", edited = folder + "/edited", now = folder + "/now";
+};
+
+TEST_F(ParameterTest, FileNamesTheModelAndHoldsALinePerFeature)
+{
+    const std::string text = TextOf(original);
+    EXPECT_EQ(text.find("OrviParameters 1 Virtual Camera\n# Orvi, version "), 0U) << text;
+    EXPECT_NE(text.find("\nWidth="), std::string::npos);
+    EXPECT_NE(text.find("\nExposureTime="), std::string::npos);
+    EXPECT_NE(text.find("\nBalanceRatio[BalanceRatioSelector="), std::string::npos);
+    for (const char *const absent : {"\nSensorWidth", "\nAcquisitionStart", "\nBalanceRatioSelector", "\nTLParams"})
+        EXPECT_EQ(text.find(absent), std::string::npos) << absent;
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1) << "no temporary file stays";
+}
+
+TEST_F(ParameterTest, LoadBringsBackWhatWasSaved)
+{
+    const std::string before = State();
+    SetEnum("TestPattern", "Off");
+    SetInt("Width", 320);
+    SetInt("OffsetX", 64);
+    const std::string changed = State();
+    EXPECT_NE(changed, before);
+    ASSERT_EQ(Load(original), 0U) << Error();
+    EXPECT_EQ(State(), before);
+    ASSERT_EQ(LoadWhole(changed), 0U) << Error();
+    EXPECT_EQ(State(), changed);
+    EXPECT_EQ(Int("Width"), 320);
+}
+
+TEST_F(ParameterTest, LinesAreAppliedInTheOrderThatTheCameraTakes)
+{
+    const int64_t whole = Int("Width");
+    ASSERT_EQ(LoadText("OffsetX=64\nWidth=320\n"), 0U) << Error();
+    EXPECT_EQ(Int("OffsetX"), 64);
+    ASSERT_EQ(LoadText("Width=" + std::to_string(whole) + "\nOffsetX=0\n"), 0U) << Error();
+    EXPECT_EQ(Int("Width"), whole);
+    EXPECT_EQ(Int("OffsetX"), 0);
+}
+
+TEST_F(ParameterTest, SelectorsStayWhereTheyAre)
+{
+    SetEnum("BalanceRatioSelector", "Blue");
+    EXPECT_NE(State().find("\nBalanceRatio[BalanceRatioSelector=Red]="), std::string::npos);
+    EXPECT_EQ(Enum("BalanceRatioSelector"), "Blue");
+    ASSERT_EQ(LoadText("BalanceRatio[BalanceRatioSelector=Red]=1.5\n"), 0U) << Error();
+    EXPECT_EQ(Enum("BalanceRatioSelector"), "Blue");
+    SetEnum("BalanceRatioSelector", "Red");
+    double ratio = 0;
+    EXPECT_EQ(UC_Nd_GetFloatValue(Node("BalanceRatio"), &ratio, false, false), 0U);
+    EXPECT_NEAR(ratio, 1.5, 0.01);
+}
+
+TEST_F(ParameterTest, BadFilesChangeNothingAndTheLineIsNamed)
+{
+    struct Row {
+        const char *lines, *line, *why;
+    };
+    // clang-format off
+    constexpr Row rows[] = {
+        {"Width=320\nOffsetX\n",                        "line 3", "no '='"},
+        {"Width=320\n\n# comment\nHeight=\n",           "line 5", "no value"},
+        {"Width=320\nNoSuchFeature=1\n",                "line 3", "[NoSuchFeature]"},
+        {"Width=320\nHeight=many\n",                    "line 3", "whole number"},
+        {"Width=320\nHeight=24x\n",                     "line 3", "whole number"},
+        {"Width=320\nExposureTime=nan\n",               "line 3", "a number"},
+        {"Width=320\nPixelFormat=Mono99\n",             "line 3", "Mono99"},
+        {"Width=320\nSensorWidth=1\n",                  "line 3", "[SensorWidth"},
+        {"Width=320\nAcquisitionStart=1\n",             "line 3", "not set from files"},
+        {"Width=320\nBalanceRatioSelector=Red\n",       "line 3", "not set from files"},
+        {"Width=320\nHeight[BalanceRatioSelector=Red]=1\n", "line 3", "does not select"},
+        {"Width=320\nBalanceRatio[BalanceRatioSelector=Pink]=1\n", "line 3", "Pink"},
+        {"Width=320\nBalanceRatio[BalanceRatioSelector=Red=1\n", "line 3", "']'"},
+        {"Width=320\nHeight=99999999\n",                "line 3", "[Height"},
+        {"Width=320\nTestPattern=Off\nOffsetX=64\nExposureTime=-5\n", "line 5", "[ExposureTime"},
+    };
+    // clang-format on
+    const std::string before = State();
+    for (const Row &row : rows) {
+        EXPECT_EQ(LoadText(row.lines), CAM_API_STS_GENICAM_ERR) << row.lines;
+        EXPECT_NE(Error().find(edited + ", " + row.line), std::string::npos) << Error();
+        EXPECT_NE(Error().find(row.why), std::string::npos) << Error();
+        EXPECT_EQ(State(), before) << row.lines;
+    }
+}
+
+TEST_F(ParameterTest, OtherModelsAndOtherFilesAreRefusedAtTheirFirstLine)
+{
+    const std::string before = State();
+    for (const char *const text : {"OrviParameters 1 Other Camera\nWidth=320\n", "Width=320\n", "",
+                                   "OrviParameters 2 Virtual Camera\nWidth=320\n"}) {
+        EXPECT_EQ(LoadWhole(text), CAM_API_STS_GENICAM_ERR);
+        EXPECT_NE(Error().find(edited + ", line 1: "), std::string::npos) << Error();
+    }
+    EXPECT_EQ(State(), before);
+}
+
+TEST_F(ParameterTest, FilesThatCannotBeOpenedAreNamedWithTheReason)
+{
+    EXPECT_EQ(Load(folder + "/absent"), CAM_API_STS_GENICAM_ERR);
+    EXPECT_NE(Error().find(folder + "/absent: No such file"), std::string::npos) << Error();
+    EXPECT_EQ(Save(folder + "/absent/file"), CAM_API_STS_GENICAM_ERR);
+    EXPECT_NE(Error().find(folder + "/absent/file: No such file"), std::string::npos) << Error();
+    EXPECT_EQ(Save(folder), CAM_API_STS_GENICAM_ERR) << "a folder is no file";
+    EXPECT_NE(Error().find(folder), std::string::npos) << Error();
+}
+
+TEST_F(ParameterTest, CommentsBlankLinesAndForeignLineEndsAreTaken)
+{
+    ASSERT_EQ(LoadWhole("OrviParameters 1 Virtual Camera\r\n\r\n# comment\r\n  Width = 320 \r\n"), 0U) << Error();
+    EXPECT_EQ(Int("Width"), 320);
+}
+
+TEST_F(ParameterTest, DefectTableIsLoadedOnDemandOnly)
+{
+    const int64_t before = Int("DPCNumber");
+    const std::string lines = "Width=320\nDPCNumber=" + std::to_string(before + 1) + "\n";
+    ASSERT_EQ(LoadText(lines, false), 0U) << Error();
+    EXPECT_EQ(Int("Width"), 320);
+    EXPECT_EQ(Int("DPCNumber"), before);
+    ASSERT_EQ(LoadText(lines, true), 0U) << Error();
+    EXPECT_EQ(Int("DPCNumber"), before + 1);
+}
+
+TEST_F(ParameterTest, CameraWithoutDescriptionHasNoParameters)
+{
+    CAM_HANDLE other = 0;
+    ASSERT_EQ(UC_Cam_Open(2, nullptr, &other, false, nullptr), 0U);
+    EXPECT_EQ(UC_Cam_SaveParameter(other, now.c_str()), CAM_API_STS_XML_LOAD_ERR);
+    EXPECT_EQ(UC_Cam_LoadParameter(other, original.c_str(), true), CAM_API_STS_XML_LOAD_ERR);
+    EXPECT_EQ(UC_Cam_SaveParameter(camera, nullptr), CAM_API_STS_INVALID_PARAMETER);
+    EXPECT_EQ(UC_Cam_SaveParameter(0, now.c_str()), CAM_API_STS_INVALID_CAMERA_HANDLE);
+    EXPECT_FALSE(std::filesystem::exists(now));
+}
+
+} // namespace
+} // namespace Orvi::Test
