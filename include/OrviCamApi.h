@@ -2074,9 +2074,22 @@ CAM_API_STATUS SetCamLutValue(CAM_HANDLE hCam, uint32_t uiLutIndex, uint32_t uiL
 
 /** A set of settings that the camera keeps. */
 CAM_ENUM(CAM_USER_SET_SELECTOR_TYPE){
-    CAM_USER_SET_SELECTOR_DEFAULT = 0,    /**< The factory set; cannot be saved. */
-    CAM_USER_SET_SELECTOR_USER_SET1 = 1,  /**< User set 1; the others follow, up to 15. */
-    CAM_USER_SET_SELECTOR_USER_SET15 = 15 /**< User set 15. */
+    CAM_USER_SET_SELECTOR_DEFAULT = 0,     /**< The factory set; cannot be saved. */
+    CAM_USER_SET_SELECTOR_USER_SET1 = 1,   /**< User set 1. */
+    CAM_USER_SET_SELECTOR_USER_SET2 = 2,   /**< User set 2. */
+    CAM_USER_SET_SELECTOR_USER_SET3 = 3,   /**< User set 3. */
+    CAM_USER_SET_SELECTOR_USER_SET4 = 4,   /**< User set 4. */
+    CAM_USER_SET_SELECTOR_USER_SET5 = 5,   /**< User set 5. */
+    CAM_USER_SET_SELECTOR_USER_SET6 = 6,   /**< User set 6. */
+    CAM_USER_SET_SELECTOR_USER_SET7 = 7,   /**< User set 7. */
+    CAM_USER_SET_SELECTOR_USER_SET8 = 8,   /**< User set 8. */
+    CAM_USER_SET_SELECTOR_USER_SET9 = 9,   /**< User set 9. */
+    CAM_USER_SET_SELECTOR_USER_SET10 = 10, /**< User set 10. */
+    CAM_USER_SET_SELECTOR_USER_SET11 = 11, /**< User set 11. */
+    CAM_USER_SET_SELECTOR_USER_SET12 = 12, /**< User set 12. */
+    CAM_USER_SET_SELECTOR_USER_SET13 = 13, /**< User set 13. */
+    CAM_USER_SET_SELECTOR_USER_SET14 = 14, /**< User set 14. */
+    CAM_USER_SET_SELECTOR_USER_SET15 = 15  /**< User set 15. */
 };
 
 /**

@@ -74,6 +74,9 @@ TEST_F(UserSetTest, FactorySetStopsAtTheFirstFailure)
     stub.Script(Entry::Nd_CmdExecute, {0, 0x12});
     EXPECT_EQ(ExecuteCamUserSetSaveAndSetDefault(hCamera, Set(0)), 0x12u);
     EXPECT_EQ(TakeSteps(), (Lines{"UserSetSelector=UserSet1", "UserSetLoad", "UserSetDone", "UserSetDefault=Default"}));
+    stub.Script(Entry::Nd_SetEnumStrValue, {0, 0, 0x12});
+    EXPECT_EQ(ExecuteCamUserSetSaveAndSetDefault(hCamera, Set(0)), 0x12u);
+    EXPECT_EQ(TakeSteps().back(), "UserSetDone") << "of the save; the factory set is not loaded";
     stub.Script(Entry::Nd_CmdExecute, {0, 0, 0x12});
     EXPECT_EQ(ExecuteCamUserSetSaveAndSetDefault(hCamera, Set(0)), 0x12u);
     EXPECT_EQ(TakeSteps().back(), "UserSetDone") << "after the last command the camera has its time all the same";
