@@ -594,6 +594,10 @@ class Events(OrvicamTest):
         event, = self.events("Test", "--count", 1, "--no-stream", "--set", "TestEventGenerate")
         self.assertEqual((event["event"], event["eventId"], event["blockId"]), ("Test", "0x4FFF", 0))
 
+    def test_an_edge_at_a_line_is_an_event(self):
+        event, = self.events("Line0RisingEdge", "--count", 1, "--no-stream", "--set", "LineInverterAll=1")
+        self.assertEqual(event["event"], "Line0RisingEdge")
+
     def test_only_the_events_asked_for_come(self):
         self.fail_with(7, ["no event within 300 ms, after 0 events"], "--virtual", 1, "events", "Line0RisingEdge",
                        "--timeout", 300, "--set", *SMALL)

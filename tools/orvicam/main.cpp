@@ -124,7 +124,8 @@ void AddImageVerbs(const Adder &add, Options &options)
     events->add_option("--timeout", options.eventTimeout, "time to wait for each event (no limit)")
         ->check(CLI::Range(1u, 3'600'000u))
         ->option_text("MS");
-    events->add_flag("!--no-stream", options.stream, "leave acquisition alone; without it images are taken meanwhile");
+    events->add_flag_callback(
+        "--no-stream", [&options] { options.stream = false; }, "take no images meanwhile");
 }
 
 } // namespace
