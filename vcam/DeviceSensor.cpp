@@ -69,7 +69,8 @@ std::uint64_t Device::DeviceTime() const
         std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now() - poweredUp_).count());
 }
 
-bool Device::IsThrottled() const { return registers_.Word(Reg::Unthrottled) == 0; }
+/// Without a stream nobody takes images: there is no other pace than the frame rate.
+bool Device::IsThrottled() const { return registers_.Word(Reg::Unthrottled) == 0 || !IsStreamEnabled(); }
 
 Device::Clock::duration Device::FramePeriod() const
 {
@@ -190,7 +191,7 @@ bool Device::IsFrameDue(Lock &lock)
         return false;
     }
     if (!IsThrottled()) {
-        const bool isDue = IsBuffering() ? HasRoom() : stream_.HasTransfer() || !IsStreamEnabled();
+        const bool isDue = IsBuffering() ? HasRoom() : stream_.HasTransfer();
         if (!isDue) {
             wake_.wait(lock);
         }

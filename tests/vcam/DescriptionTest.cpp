@@ -163,6 +163,121 @@ TEST_F(DescriptionXmlFile, EveryEnumEntryIsAcceptedByItsRegister)
     }
 }
 
+TEST_F(DescriptionXmlFile, EveryFeatureThatApplicationsNameIsThere)
+{
+    for (const char *name : {"ImageFormatSelector",
+                             "SensorWidth",
+                             "SensorHeight",
+                             "Width",
+                             "Height",
+                             "OffsetX",
+                             "OffsetY",
+                             "BinningHorizontal",
+                             "BinningVertical",
+                             "DecimationHorizontal",
+                             "DecimationVertical",
+                             "ReverseX",
+                             "ReverseY",
+                             "PixelFormat",
+                             "PixelCoding",
+                             "PixelSize",
+                             "TestImageSelector",
+                             "TestPattern",
+                             "AcquisitionFrameCount",
+                             "AcquisitionFrameRateControl",
+                             "AcquisitionFrameRate",
+                             "ImageBufferMode",
+                             "ImageBufferFrameCount",
+                             "ImageBufferRead",
+                             "TriggerMode",
+                             "TriggerSelector",
+                             "TriggerSequence",
+                             "TriggerSource",
+                             "TriggerAdditionalParameter",
+                             "AcquisitionBurstFrameCount",
+                             "TriggerDelay",
+                             "TriggerActivation",
+                             "TriggerSoftware",
+                             "ExposureMode",
+                             "ExposureAuto",
+                             "ExposureTimeControl",
+                             "ExposureTime",
+                             "LineSelector",
+                             "LineSource",
+                             "LineInverter",
+                             "LineModeAll",
+                             "LineInverterAll",
+                             "LineStatusAll",
+                             "UserOutputValueAll",
+                             "TimerSelector",
+                             "TimerDelay",
+                             "TimerDuration",
+                             "TimerTriggerSource",
+                             "Gain",
+                             "GainAuto",
+                             "BlackLevel",
+                             "Gamma",
+                             "Hue",
+                             "Saturation",
+                             "Sharpness",
+                             "BalanceWhiteAuto",
+                             "BalanceRatioSelector",
+                             "BalanceRatio",
+                             "ColorCorrectionMatrixSelectorI",
+                             "ColorCorrectionMatrixSelectorJ",
+                             "ColorCorrectionMatrix",
+                             "LUTEnable",
+                             "LUTIndex",
+                             "LUTValue",
+                             "LUTEntry",
+                             "UserSetSelector",
+                             "UserSetLoad",
+                             "UserSetSave",
+                             "UserSetDefault",
+                             "UserSetDone",
+                             "FrameSynchronization",
+                             "DPCEnable",
+                             "DPCNumber",
+                             "DPCIndex",
+                             "DPCEntryX",
+                             "DPCEntryY",
+                             "SequentialShutterEnable",
+                             "SequentialShutterTerminateAt",
+                             "SequentialShutterIndex",
+                             "SequentialShutterEntry",
+                             "TLParamsLocked",
+                             "UserDefinedName",
+                             "DeviceUserID",
+                             "PayloadSize",
+                             "MaximumEventTransferLength"}) {
+        EXPECT_TRUE(nodes_.contains(name)) << name;
+    }
+}
+
+TEST_F(DescriptionXmlFile, EveryEnumeratedRegisterValueHasAnEntry)
+{
+    // A block's mask and its nodes agree: what one road can set, the other can name.
+    const auto camera = MakeCamera();
+    Control control(*camera);
+    const std::pair<const char *, std::uint32_t> rows[] = {
+        {"ImageFormatSelector", 0x202020}, {"PixelCoding", 0x2020C0},       {"PixelSize", 0x2020E0},
+        {"ImageBufferMode", 0x203060},     {"TriggerMode", 0x207020},       {"TriggerSequence", 0x207040},
+        {"TriggerSource", 0x207060},       {"LineSelector", 0x2090A0},      {"LineSource", 0x2090C0},
+        {"TimerSelector", 0x20A020},       {"TestImageSelector", 0x21F120}, {"TestPattern", 0x21F120},
+        {"TimerTriggerSource", 0x21F260},
+    };
+    for (const auto &[name, base] : rows) {
+        std::array<std::uint32_t, 4> mask{};
+        for (const pugi::xml_node entry : nodes_.at(name).children("EnumEntry")) {
+            const auto value = std::stoul(entry.child_value("Value"), nullptr, 0);
+            mask[value / 32] |= 1u << (value % 32);
+        }
+        for (std::uint32_t i = 0; i < 4; ++i) {
+            EXPECT_EQ(control.Read(base + 0x0C + 4 * i), mask[i]) << name;
+        }
+    }
+}
+
 TEST_F(DescriptionXmlFile, EventPortsCarryTheIdsThatTheCameraSends)
 {
     for (unsigned i = 0; i < static_cast<unsigned>(EventKind::Count); ++i) {
