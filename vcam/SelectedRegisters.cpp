@@ -69,7 +69,7 @@ void LoadTables(RegisterSpace &space, std::uint32_t sensorWidth, std::uint32_t s
             return pixels / step / space.Word(increment) * space.Word(increment);
         };
         if (format != 0) {
-            for (const std::uint32_t size : {0x00, 0x08}) {
+            for (const std::uint32_t size : {0x00U, 0x08U}) {
                 space.SetWord(words + size, fit(sensorWidth, ImageSizeWord::WidthInc));
                 space.SetWord(words + size + 4, fit(sensorHeight, ImageSizeWord::HeightInc));
             }
