@@ -13,7 +13,6 @@ namespace {
 
 constexpr std::chrono::seconds patience{60};
 constexpr std::uint32_t controlPrefix = 0x43563355;
-constexpr std::size_t headerSize = 12;
 
 template <class T>
 T Load(std::span<const std::byte> bytes, std::size_t offset)
