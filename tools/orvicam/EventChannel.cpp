@@ -50,6 +50,7 @@ EventChannel::EventChannel(const Camera &camera, const std::vector<std::string> 
             Check(Evt_CreateRequest(channel_, &memory_[i * size], size, &request),
                   serial + ": cannot register a buffer for events");
             Check(Evt_EnqueueRequest(channel_, request), serial + ": cannot queue a buffer for events");
+            ++queued_;
         }
         for (const std::string &name : names) {
             Check(Evt_Activate(channel_, name.c_str(), nullptr), serial + ": cannot switch on the event " + name);
@@ -70,12 +71,16 @@ std::optional<Event> EventChannel::Next()
     CAM_EVENT_REQUEST_INFO info{};
     const CAM_API_STATUS status =
         Evt_DequeueRequest(channel_, static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(&request)), &info);
+    if (status == CAM_API_STS_FLUSHED_BY_CAMERA_REMOVE || (status == CAM_API_STS_EMPTY_COMPLETE_QUEUE && queued_ == 0))
+        throw Failure(ExitCode::Camera, serial + " was unplugged");
     if (status == CAM_API_STS_EMPTY_COMPLETE_QUEUE)
         return std::nullopt;
-    if (status == CAM_API_STS_FLUSHED_BY_CAMERA_REMOVE)
-        throw Failure(ExitCode::Camera, serial + " was unplugged");
     Check(status, serial + ": cannot take an event");
-    Check(Evt_EnqueueRequest(channel_, request), serial + ": cannot queue a buffer for events");
+    // Unplugged since the event came: those behind it still tell.
+    if (const CAM_API_STATUS queued = Evt_EnqueueRequest(channel_, request); IsCameraGone(queued))
+        --queued_;
+    else
+        Check(queued, serial + ": cannot queue a buffer for events");
     return Event{NameOf(info.usEventId), info};
 }
 

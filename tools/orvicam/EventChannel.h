@@ -44,6 +44,7 @@ class EventChannel {
     CAM_HANDLE channel_ = 0;
     std::vector<std::byte> memory_;
     std::vector<CAM_HANDLE> requests_;
+    std::size_t queued_ = 0; ///< requests that the transport holds, or has completed
 };
 
 } // namespace Orvi::Tool

@@ -49,6 +49,12 @@ std::string StatusText(CAM_API_STATUS status)
     return row != std::end(s_words) ? row->words + (" (" + number + ")") : "failed with " + number;
 }
 
+bool IsCameraGone(CAM_API_STATUS status)
+{
+    return status == CAM_API_STS_TIMEOUT || status == CAM_API_STS_CAMERA_NOT_RESPONDING ||
+           status == CAM_API_STS_FLUSHED_BY_CAMERA_REMOVE;
+}
+
 void Check(CAM_API_STATUS status, const std::string &what)
 {
     if (status != CAM_API_STS_SUCCESS)

@@ -34,6 +34,9 @@ class Failure : public std::runtime_error {
 /// A status in words with its number, e.g. "the camera does not answer (status 0x13)".
 std::string StatusText(CAM_API_STATUS status);
 
+/// Whether a status says that the camera was unplugged or does not answer.
+bool IsCameraGone(CAM_API_STATUS status);
+
 /// Throws Failure(Camera) "what: why" unless the status is success.
 void Check(CAM_API_STATUS status, const std::string &what);
 

@@ -15,12 +15,6 @@ namespace {
 constexpr bool s_verify = true;
 constexpr bool s_useCache = false;
 
-bool IsCameraGone(CAM_API_STATUS status)
-{
-    return status == CAM_API_STS_TIMEOUT || status == CAM_API_STS_CAMERA_NOT_RESPONDING ||
-           status == CAM_API_STS_FLUSHED_BY_CAMERA_REMOVE;
-}
-
 std::string Words(std::int64_t value) { return std::to_string(value); }
 std::string Words(double value) { return Number(value); }
 

@@ -23,15 +23,11 @@ ExitCode CodeOf(CAM_API_STATUS status)
     case CAM_API_STS_FILE_READ_ERROR:
     case CAM_API_STS_FILE_NOT_FOUND:
         return ExitCode::File;
-    case CAM_API_STS_TIMEOUT:
-    case CAM_API_STS_CAMERA_NOT_RESPONDING:
-    case CAM_API_STS_FLUSHED_BY_CAMERA_REMOVE:
-        return ExitCode::Camera;
     case CAM_API_STS_NOT_IMPLEMENTED:
     case CAM_API_STS_NOT_AVAILABLE:
         return ExitCode::Failed;
     default:
-        return ExitCode::Feature;
+        return IsCameraGone(status) ? ExitCode::Camera : ExitCode::Feature;
     }
 }
 

@@ -29,6 +29,7 @@ Stream::Stream(const Camera &camera, std::uint64_t images) : serial_(camera.Entr
             Check(Strm_CreateRequest(stream_, buffer.data(), payload, &request),
                   serial_ + ": cannot register a buffer");
             Check(Strm_EnqueueRequest(stream_, request), serial_ + ": cannot queue a buffer");
+            ++queued_;
         }
     } catch (...) {
         Close();
@@ -78,13 +79,21 @@ Stream::Answer Stream::Drain(const Sink &sink)
         std::uint32_t size = 0;
         CAM_STREAM_REQUEST_INFO info{};
         const CAM_API_STATUS status = Strm_DequeueRequest(stream_, &request, &data, &size);
+        if (status == CAM_API_STS_EMPTY_COMPLETE_QUEUE && queued_ == 0) {
+            info.uiStatus = CAM_API_STS_FLUSHED_BY_CAMERA_REMOVE;
+            return sink(info, {});
+        }
         if (status == CAM_API_STS_EMPTY_COMPLETE_QUEUE)
             return Answer::More;
         Check(status, serial_ + ": cannot take an image");
         Check(Strm_GetStrmReqInfo(stream_, request, &info), serial_ + ": cannot read what an image is");
         if (sink(info, {static_cast<const std::byte *>(data), size}) == Answer::Enough)
             return Answer::Enough;
-        Check(Strm_EnqueueRequest(stream_, request), serial_ + ": cannot queue a buffer");
+        // Unplugged since the image came: those behind it still tell.
+        if (const CAM_API_STATUS queued = Strm_EnqueueRequest(stream_, request); IsCameraGone(queued))
+            --queued_;
+        else
+            Check(queued, serial_ + ": cannot queue a buffer");
     }
 }
 

@@ -50,6 +50,7 @@ class Stream {
     std::atomic<bool> interrupted_ = false;
     std::vector<std::vector<std::byte>> buffers_;
     std::vector<CAM_HANDLE> requests_;
+    std::size_t queued_ = 0; ///< requests that the transport holds, or has completed
 };
 
 } // namespace Orvi::Tool
