@@ -2,7 +2,8 @@
 // The virtual camera put together: endpoints, registers, control server, events, and the thread on which the sensor
 // lives. Its sources: Device.cpp (USB side and plug), PowerUp.cpp (initial registers), DeviceRegisters.cpp (what writes
 // mean), DeviceCommands.cpp (commands and user sets), DeviceFeatures.cpp (features that act), DeviceTriggers.cpp
-// (triggers, lines and timers), DeviceSensor.cpp (acquisition), DeviceStream.cpp (images on their way to the host).
+// (triggers, lines and timers), DevicePicture.cpp (settings of an image), DeviceSensor.cpp (acquisition),
+// DeviceStream.cpp (images on their way to the host).
 
 #include "vcam/ControlBlocks.h"
 #include "vcam/EventQueue.h"
@@ -126,9 +127,11 @@ class Device final : public VirtualCamera, private GenCpMemory {
     // PowerUp.cpp
     void PowerUp();
 
-    // DeviceSensor.cpp
+    // DevicePicture.cpp: what the next image depends on
     PictureSettings Settings() const;
     std::uint32_t Exposure() const;
+
+    // DeviceSensor.cpp
     std::uint64_t DeviceTime() const;
     Clock::duration FramePeriod() const;
     bool IsThrottled() const;

@@ -1,5 +1,4 @@
 #include "vcam/Device.h"
-#include "vcam/DeviceRegisterTable.h"
 
 #include <algorithm>
 
@@ -11,57 +10,6 @@ namespace {
 constexpr double s_freeRate = 60;
 
 } // namespace
-
-PictureSettings Device::Settings() const
-{
-    const auto value = [this](std::uint32_t block) { return registers_.Word(block + 0x1C); };
-    PictureSettings settings;
-    settings.sensorWidth = config_.sensorWidth;
-    settings.sensorHeight = config_.sensorHeight;
-    settings.width = registers_.Word(ImageSizeWord::Width);
-    settings.height = registers_.Word(ImageSizeWord::Height);
-    settings.offsetX = registers_.Word(ImageSizeWord::OffsetX);
-    settings.offsetY = registers_.Word(ImageSizeWord::OffsetY);
-    settings.pixelFormat = registers_.Word(Reg::PixelFormat);
-    settings.exposure = Exposure();
-    settings.gain = value(Block::Gain);
-    settings.blackLevel = value(Block::BlackLevel);
-    settings.testPattern = value(Block::TestPattern);
-    settings.binningX = value(Block::BinningX);
-    settings.binningY = value(Block::BinningY);
-    settings.decimationX = value(Block::DecimationX);
-    settings.decimationY = value(Block::DecimationY);
-    settings.reverseX = registers_.Word(Block::ReverseX + 0x10) != 0;
-    settings.reverseY = registers_.Word(Block::ReverseY + 0x10) != 0;
-    settings.gamma = value(Block::Gamma);
-    settings.sharpness = value(Block::Sharpness);
-    settings.hue = static_cast<std::int32_t>(value(Block::Hue));
-    settings.saturation = value(Block::Saturation);
-    settings.redRatio = value(Block::WhiteBalance);
-    settings.blueRatio = registers_.Word(Reg::BlueRatio);
-    for (std::size_t i = 0; i < settings.matrix.size(); ++i) {
-        settings.matrix[i] = static_cast<std::int32_t>(registers_.Word(Reg::MatrixTable + 4 * i));
-    }
-    if (registers_.Word(Reg::LutEnable) != 0) {
-        for (std::uint32_t i = 0; i < s_lutSize; ++i) {
-            settings.lut.push_back(static_cast<std::uint16_t>(registers_.Word(Reg::LutTable + 4 * i)));
-        }
-    }
-    if (registers_.Word(Reg::DpcEnable) != 0) {
-        for (std::uint32_t i = 0; i < registers_.Word(Reg::DpcNumber); ++i) {
-            const std::uint64_t entry = Reg::DpcTable + 8 * i;
-            settings.corrected.push_back({registers_.Word(entry), registers_.Word(entry + 4)});
-        }
-    }
-    return settings;
-}
-
-/// Of the next image: the sequential shutter's, when it is on.
-std::uint32_t Device::Exposure() const
-{
-    return registers_.Word(Reg::ShutterEnable) != 0 ? registers_.Word(Reg::ShutterTable + 4 * shutterStep_)
-                                                    : registers_.Word(Block::ExposureTime + 0x1C);
-}
 
 std::uint64_t Device::DeviceTime() const
 {
