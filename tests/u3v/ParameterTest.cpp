@@ -168,6 +168,7 @@ TEST_F(ParameterTest, BadFilesChangeNothingAndTheLineIsNamed)
         {"Width=320\nBalanceRatio[BalanceRatioSelector=Pink]=1\n", "line 3", "Pink"},
         {"Width=320\nBalanceRatio[BalanceRatioSelector=Red=1\n", "line 3", "']'"},
         {"Width=320\nHeight=99999999\n",                "line 3", "[Height"},
+        {"BinningHorizontal=2\nHeight=99999999\n",      "line 3", "[Height"}, // binning makes the width smaller
         {"Width=320\nTestPattern=Off\nOffsetX=64\nExposureTime=-5\n", "line 5", "[ExposureTime"},
     };
     // clang-format on
@@ -178,6 +179,39 @@ TEST_F(ParameterTest, BadFilesChangeNothingAndTheLineIsNamed)
         EXPECT_NE(Error().find(row.why), std::string::npos) << Error();
         EXPECT_EQ(State(), before) << row.lines;
     }
+}
+
+TEST_F(ParameterTest, ValueThatAModeLocksIsPutBackToo)
+{
+    const auto gain = [&] {
+        double value = 0;
+        EXPECT_EQ(UC_Nd_GetFloatValue(Node("Gain"), &value, false, false), 0U) << Error();
+        return value;
+    };
+    const double before = gain();
+    SetEnum("GainAuto", "Continuous");
+    EXPECT_EQ(LoadText("Gain=5\nGainAuto=Off\nHeight=99999999\n"), CAM_API_STS_GENICAM_ERR);
+    EXPECT_EQ(Enum("GainAuto"), "Continuous");
+    EXPECT_EQ(gain(), before);
+    ASSERT_EQ(LoadText("Gain=5\nGainAuto=Off\n"), 0U) << Error();
+    EXPECT_NEAR(gain(), 5, 0.2);
+}
+
+TEST_F(ParameterTest, TextsAreQuoted)
+{
+    const auto name = [&] {
+        char text[64];
+        uint32_t size = sizeof text;
+        EXPECT_EQ(UC_Nd_GetStrValue(Node("DeviceUserID"), text, &size, false, false), 0U);
+        return std::string(text);
+    };
+    ASSERT_EQ(LoadText(R"(DeviceUserID="left \"eye\" \\ #1=[2]")"), 0U) << Error();
+    EXPECT_EQ(name(), R"(left "eye" \ #1=[2])");
+    for (const char *const bad :
+         {"DeviceUserID=left", "DeviceUserID=\"", "DeviceUserID=\"a\\\"", "DeviceUserID=\"a\"b\""})
+        EXPECT_EQ(LoadText(bad), CAM_API_STS_GENICAM_ERR) << bad;
+    ASSERT_EQ(LoadText("DeviceUserID=\"\""), 0U) << Error();
+    EXPECT_EQ(name(), "");
 }
 
 TEST_F(ParameterTest, OtherModelsAndOtherFilesAreRefusedAtTheirFirstLine)
