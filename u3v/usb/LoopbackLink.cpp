@@ -97,7 +97,11 @@ DeviceIdentity LoopbackLink::IdentityOf(const Vcam::UsbIdentity &device)
     return identity;
 }
 
-TransferStatus LoopbackLink::Out(std::span<const std::byte> data, Deadline) { return Translate(device_->Out(data)); }
+TransferStatus LoopbackLink::Out(std::span<const std::byte> data, Deadline)
+{
+    // A device that is plugged again is another link's.
+    return isGone_ ? TransferStatus::Gone : Translate(device_->Out(data));
+}
 
 std::unique_ptr<BulkIn> LoopbackLink::NewTransfer(Pipe pipe, BulkIn::Listener &listener)
 {
