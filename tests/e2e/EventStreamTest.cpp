@@ -145,6 +145,7 @@ TEST_F(EventStreamTest, TheChannelGoesOnWithoutTheStream)
         channel.Stop();
     }
     Next();
+    ASSERT_EQ(Activate("Test"), 0u);
     WriteWord(hCam, 0x30008, 1);
     EXPECT_EQ(Next().usEventId, 0x4FFF) << "the test event needs no stream";
 }

@@ -37,7 +37,6 @@ class SimpleChannel {
 
 /// What a callback has seen.
 struct Seen {
-    uint32_t bytesPerPixel = 1;
     std::atomic<int> images{0};
     std::atomic<int> wrong{0};
 };
@@ -45,7 +44,7 @@ struct Seen {
 void OnImage(CAM_HANDLE, const void *image, uint32_t size, const CAM_STREAM_REQUEST_INFO *info, void *context)
 {
     auto *seen = static_cast<Seen *>(context);
-    if (size != info->ullValidPayloadSize || DrawnBlockId(image, seen->bytesPerPixel) != info->ullBlockId)
+    if (size != info->ullValidPayloadSize || DrawnBlockId(image, info->uiPixelFormat) != info->ullBlockId)
         ++seen->wrong;
     ++seen->images;
 }
@@ -61,7 +60,6 @@ TEST_F(SimpleModeTest, EveryPixelFormatArrivesByCallbackAndByReading)
         SCOPED_TRACE(format.name);
         SetEnum(hCam, "PixelFormat", format.name.c_str());
         Seen seen;
-        seen.bytesPerPixel = format.BytesPerPixel();
         SimpleChannel channel(hCam);
         EXPECT_EQ(Strm_SetCallbackImageAcquired(channel.Stream(), OnImage, &seen), 0u);
         channel.Start();
@@ -73,7 +71,7 @@ TEST_F(SimpleModeTest, EveryPixelFormatArrivesByCallbackAndByReading)
         EXPECT_EQ(Strm_ReadCurrentImage(channel.Stream(), image.data(), &size, &info), 0u);
         EXPECT_EQ(size, image.size());
         EXPECT_EQ(info.uiPixelFormat, format.code);
-        EXPECT_EQ(DrawnBlockId(image.data(), format.BytesPerPixel()), info.ullBlockId);
+        EXPECT_EQ(DrawnBlockId(image.data(), info.uiPixelFormat), info.ullBlockId);
         channel.Stop();
         EXPECT_EQ(seen.wrong, 0);
     }
@@ -115,11 +113,11 @@ TEST_F(SimpleModeTest, LockedBufferKeepsItsImage)
     ASSERT_LT(index, 3u);
     EXPECT_EQ(Strm_LockBuffer(channel.Stream(), index, &image), 0u);
     ASSERT_NE(image, nullptr);
-    const uint64_t id = DrawnBlockId(image, 1);
+    const uint64_t id = DrawnBlockId(image);
     const int before = seen.images;
     while (seen.images < before + 20 && !HasFailure())
         channel.AwaitImage();
-    EXPECT_EQ(DrawnBlockId(image, 1), id);
+    EXPECT_EQ(DrawnBlockId(image), id);
     EXPECT_EQ(Strm_UnlockBuffer(channel.Stream(), index), 0u);
     EXPECT_EQ(Strm_UnlockBuffer(channel.Stream(), index), CAM_API_STS_INVALID_PARAMETER) << "not locked any more";
     EXPECT_EQ(Strm_LockBuffer(channel.Stream(), 3, &image), CAM_API_STS_INVALID_PARAMETER);

@@ -124,12 +124,27 @@ std::vector<PixelFormat> PixelFormats(CAM_HANDLE hCam)
     return formats;
 }
 
-uint64_t DrawnBlockId(const void *image, uint32_t bytesPerPixel)
+namespace {
+
+/// Where a pixel's brightness begins in the first line.
+std::size_t BrightnessOffset(uint32_t pixel, uint32_t pixelFormat)
+{
+    constexpr uint32_t yuv411 = 0x020C001E, yuv422 = 0x0210001F;
+    if (pixelFormat == yuv411) // U Y Y V Y Y
+        return pixel / 2 * 3 + 1 + pixel % 2;
+    if (pixelFormat == yuv422) // U Y V Y
+        return pixel * 2 + 1;
+    return pixel * ((pixelFormat >> 16 & 0xFF) / 8);
+}
+
+} // namespace
+
+uint64_t DrawnBlockId(const void *image, uint32_t pixelFormat)
 {
     const auto *bytes = static_cast<const unsigned char *>(image);
     uint64_t id = 0;
     for (uint32_t pixel = 0; pixel < 64; ++pixel) {
-        const unsigned char low = bytes[pixel * bytesPerPixel];
+        const unsigned char low = bytes[BrightnessOffset(pixel, pixelFormat)];
         EXPECT_TRUE(low == 0 || low == 0xFF) << "pixel " << pixel << " is neither black nor white";
         id = id << 1 | (low != 0);
     }

@@ -49,11 +49,11 @@ struct PixelFormat {
     std::string name;
     uint32_t code;
     /// As the code says.
-    uint32_t BytesPerPixel() const { return (code >> 16 & 0xFF) / 8; }
+    uint32_t ImageBytes(uint32_t width, uint32_t height) const { return width * height * (code >> 16 & 0xFF) / 8; }
 };
 std::vector<PixelFormat> PixelFormats(CAM_HANDLE hCam);
 
 /// The block id that the camera has drawn into the first line, or a failure when there is none.
-uint64_t DrawnBlockId(const void *image, uint32_t bytesPerPixel);
+uint64_t DrawnBlockId(const void *image, uint32_t pixelFormat = 0x01080001);
 
 } // namespace Orvi::Testing
