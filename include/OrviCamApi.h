@@ -534,14 +534,23 @@ CAM_API_STATUS Cam_AbortPipe(CAM_HANDLE hCam, uint32_t eFlg);
 /** Clears a halted pipe. @param hCam the camera @param eFlg one of ::CAM_PIPE */
 CAM_API_STATUS Cam_ResetPipe(CAM_HANDLE hCam, uint32_t eFlg);
 
-/** Writes the camera's persistent features to a file. @param hCam the camera @param pszFileName path of the file */
+/**
+ * Writes the camera's persistent features to a readable text file, one line each. The file is replaced as a whole.
+ * @param hCam        the camera
+ * @param pszFileName path of the file
+ * @retval CAM_API_STS_GENICAM_ERR the file cannot be written; after Misc_SetLastGenICamError() with 1,
+ *                                 Misc_GetLastGenICamError() tells why
+ */
 CAM_API_STATUS Cam_SaveParameter(CAM_HANDLE hCam, const char *pszFileName);
 
 /**
- * Sets the camera's features from a file of Cam_SaveParameter().
+ * Sets the camera's features from a file of Cam_SaveParameter(). A file of another model or with a line that the camera
+ * refuses changes nothing.
  * @param hCam        the camera
  * @param pszFileName path of the file
  * @param bEnableDPC  also load the table of defective pixels
+ * @retval CAM_API_STS_GENICAM_ERR the file cannot be used; after Misc_SetLastGenICamError() with 1,
+ *                                 Misc_GetLastGenICamError() names the line and why
  */
 CAM_API_STATUS Cam_LoadParameter(CAM_HANDLE hCam, const char *pszFileName, bool bEnableDPC);
 

@@ -36,6 +36,8 @@ void CheckFile(CAM_API_STATUS status, const std::string &what)
     if (status == CAM_API_STS_NOT_IMPLEMENTED || status == CAM_API_STS_NOT_AVAILABLE)
         throw Failure(CodeOf(status), what + ": this transport cannot save and load settings (status " + Hex(status) +
                                           "); values --writable prints them, set takes them back");
+    if (status == CAM_API_STS_GENICAM_ERR)
+        Misc_SetLastGenICamError(1); // the library fetches the reason by itself for node functions only
     if (status != CAM_API_STS_SUCCESS)
         throw Failure(CodeOf(status), what + ": " + StatusText(status));
 }
