@@ -170,6 +170,18 @@ TEST_F(EventStreamTest, AnUnpluggedCameraEndsAllRequests)
     AwaitCameras(2);
 }
 
+TEST_F(EventStreamTest, AnImageWithoutABufferIsAnEvent)
+{
+    ASSERT_EQ(Activate("FrameLost"), 0u);
+    WriteWord(hCam, Virtual::unthrottled, 0);
+    RequestChannel channel(hCam, 1); // nothing is queued
+    channel.Start();
+    const uint64_t first = Next().ullBlockId;
+    EXPECT_EQ(Next().ullBlockId, first + 1) << "each lost image has its event";
+    channel.Stop();
+    EXPECT_EQ(Evt_Deactivate(hEvt, "FrameLost"), 0u);
+}
+
 TEST_F(EventStreamTest, TheTransportsOwnRequestsServeTheSameEvents)
 {
     ASSERT_EQ(Evt_Close(hEvt), 0u);
