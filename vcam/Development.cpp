@@ -49,10 +49,10 @@ Development::Development(const PictureSettings &settings)
     mixesColours_ = settings.Format().HasAllColours() &&
                     (settings.hue != 0 || settings.saturation != 100 || settings.matrix != s_identity);
     for (int row = 0; row < 3; ++row) {
-        for (int column = 0; column < 3; ++column) {
+        for (std::size_t column = 0; column < 3; ++column) {
             double sum = 0;
             for (int i = 0; i < 3; ++i) {
-                sum += HueAndSaturation(settings, row, i) * settings.matrix[static_cast<std::size_t>(3 * i + column)];
+                sum += HueAndSaturation(settings, row, i) * settings.matrix[3 * static_cast<std::size_t>(i) + column];
             }
             colours_[row][column] = std::llround(sum * 4.096);
         }

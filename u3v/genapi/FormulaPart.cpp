@@ -134,7 +134,7 @@ bool FormulaPart::Take(const Property &property, Arithmetic arithmetic)
     }
     case Prop::Constant: {
         const std::string_view name = checkedName();
-        if (arithmetic == Arithmetic::Integer && property.Text().find_first_of(".") == std::string_view::npos)
+        if (arithmetic == Arithmetic::Integer && property.Text().find('.') == std::string_view::npos)
             constants_.push_back({name, {FormulaName::Kind::Integer, 0, {.i = property.Int()}}});
         else
             constants_.push_back({name, {FormulaName::Kind::Float, 0, {.f = property.Number<double>()}}});

@@ -80,14 +80,17 @@ void StreamFrame::CountReturned(const BulkIn &transfer, std::uint64_t hostTime)
     if (index + 1 == transfers_.size())
         hostTime_ = hostTime;
     isRemoved_ = isRemoved_ || transfer.Status() == TransferStatus::Gone;
-    if (transfer.Status() != TransferStatus::Completed)
-        isBroken_ = true;
-    else if (index == 0)
-        isBroken_ = isBroken_ || !IsLeader(transfer.Received());
-    else if (index + 1 == transfers_.size())
-        isBroken_ = isBroken_ || !IsTrailer(transfer.Received());
-    else if (transfer.Received().size() < transfer.Buffer().size() && IsOwnTrailer(transfer.Received()))
-        isBroken_ = true;
+    isBroken_ = isBroken_ || transfer.Status() != TransferStatus::Completed || !HoldsItsPart(transfer, index);
+}
+
+/// False when another part of the frame, or of another frame, has come in the place of this one.
+bool StreamFrame::HoldsItsPart(const BulkIn &transfer, std::size_t index) const
+{
+    if (index == 0)
+        return IsLeader(transfer.Received());
+    if (index + 1 == transfers_.size())
+        return IsTrailer(transfer.Received());
+    return transfer.Received().size() == transfer.Buffer().size() || !IsOwnTrailer(transfer.Received());
 }
 
 std::span<std::byte> StreamFrame::TargetOf(std::size_t transfer) const

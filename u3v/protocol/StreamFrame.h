@@ -57,6 +57,7 @@ class StreamFrame {
     bool IsPayload(std::size_t transfer) const { return transfer != 0 && transfer + 1 != transfers_.size(); }
     std::span<const std::byte> DataOf(std::size_t transfer) const;
     bool IsOwnTrailer(std::span<const std::byte> data) const;
+    bool HoldsItsPart(const BulkIn &transfer, std::size_t index) const;
     std::span<const std::byte> FindTrailer(std::size_t &index) const;
     bool ReadLeader(CAM_STREAM_REQUEST_INFO &info) const;
     std::size_t GatherPayload(std::size_t end, bool &hasHole);
