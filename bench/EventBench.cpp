@@ -1,16 +1,13 @@
 // How long a camera's event takes from its time stamp in the device to the application that waits for it.
 
+#include "BenchCamera.h"
 #include "Claims.h"
-
-#include "OrviCamApi.h"
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <vector>
 
 namespace Orvi::Bench {
@@ -21,14 +18,6 @@ constexpr uint64_t s_timestamp = 0x1F0;
 constexpr uint64_t s_timestampLatch = 0x1F8;
 constexpr uint64_t s_testEvent = 0x30008;
 
-void Check(const char *what, CAM_API_STATUS status)
-{
-    if (status == CAM_API_STS_SUCCESS)
-        return;
-    std::fprintf(stderr, "bench: %s: status 0x%X\n", what, status);
-    std::exit(2);
-}
-
 int64_t Now()
 {
     return std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::steady_clock::now().time_since_epoch())
@@ -36,16 +25,10 @@ int64_t Now()
 }
 
 /// An event channel of a virtual camera, and what lies between the camera's clock and this machine's.
-class EventSource {
+class EventSource : public BenchCamera {
   public:
     EventSource()
     {
-        setenv("ORVICAMSDK", ORVI_BENCH_SDK, 1);
-        setenv("ORVI_VIRTUAL_CAMERAS", "1", 1);
-        uint32_t uiNum = 0;
-        Check("Sys_Initialize", Sys_Initialize(SYS_INIT_U3V));
-        Check("Sys_GetNumOfCameras", Sys_GetNumOfCameras(&uiNum));
-        Check("Cam_Open", Cam_Open(0, &hCam_, nullptr, true, nullptr, CAM_ACCESS_MODE_CONTROL));
         Check("Sys_CreateSignal", Sys_CreateSignal(&hReady_));
         uint32_t uiSize = 0;
         Check("Evt_Open", Evt_Open(hCam_, &hEvt_, &uiSize, reinterpret_cast<void *>(hReady_)));
@@ -64,8 +47,6 @@ class EventSource {
     {
         Check("Evt_Close", Evt_Close(hEvt_));
         Check("Sys_CloseSignal", Sys_CloseSignal(hReady_));
-        Check("Cam_Close", Cam_Close(hCam_));
-        Check("Sys_Terminate", Sys_Terminate());
     }
 
     /// Lets the camera post an event and waits for it; the time from its stamp to now in ns.
@@ -106,7 +87,7 @@ class EventSource {
         return offset;
     }
 
-    CAM_HANDLE hCam_ = 0, hEvt_ = 0, hReady_ = 0;
+    CAM_HANDLE hEvt_ = 0, hReady_ = 0;
     std::vector<std::vector<unsigned char>> memory_;
     int64_t offset_ = 0;
 };

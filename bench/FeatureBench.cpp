@@ -1,14 +1,11 @@
 // What a feature function costs above the block read and write that it consists of.
 
+#include "BenchCamera.h"
 #include "Claims.h"
-
-#include "OrviCamApi.h"
 
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 
 #include <dlfcn.h>
 
@@ -23,25 +20,11 @@ constexpr uint64_t s_gainBlock = 0x204060;
 constexpr uint64_t s_exposureBlock = 0x204020;
 constexpr uint64_t s_value = 0x1C;
 
-void Check(const char *what, CAM_API_STATUS status)
-{
-    if (status == CAM_API_STS_SUCCESS)
-        return;
-    std::fprintf(stderr, "bench: %s: status 0x%X\n", what, status);
-    std::exit(2);
-}
-
 /// An open virtual camera and the transport's own register entries.
-class Camera {
+class Camera : public BenchCamera {
   public:
     Camera()
     {
-        setenv("ORVICAMSDK", ORVI_BENCH_SDK, 1);
-        setenv("ORVI_VIRTUAL_CAMERAS", "1", 1);
-        uint32_t uiNum = 0;
-        Check("Sys_Initialize", Sys_Initialize(SYS_INIT_U3V));
-        Check("Sys_GetNumOfCameras", Sys_GetNumOfCameras(&uiNum));
-        Check("Cam_Open", Cam_Open(0, &hCam, nullptr, false, nullptr, CAM_ACCESS_MODE_CONTROL));
         void *transport = dlopen(ORVI_BENCH_SDK "/lib/libOrviU3vCamApi_64.so", RTLD_LAZY | RTLD_NOLOAD);
         read = reinterpret_cast<ReadReg>(dlsym(transport, "UC_Cam_ReadReg"));
         write = reinterpret_cast<WriteReg>(dlsym(transport, "UC_Cam_WriteReg"));
@@ -49,13 +32,9 @@ class Camera {
     }
     Camera(const Camera &) = delete;
     Camera &operator=(const Camera &) = delete;
-    ~Camera()
-    {
-        Check("Cam_Close", Cam_Close(hCam));
-        Check("Sys_Terminate", Sys_Terminate());
-    }
 
-    CAM_HANDLE hCam = 0;
+    CAM_HANDLE Handle() const { return hCam_; }
+
     ReadReg read = nullptr;
     WriteReg write = nullptr;
 };
@@ -66,7 +45,7 @@ void GainBlockRead(benchmark::State &state)
     uint32_t auiBlock[8];
     for (auto _ : state) {
         uint32_t uiSize = 8;
-        Check("UC_Cam_ReadReg", camera.read(camera.hCam, s_gainBlock, auiBlock, &uiSize));
+        Check("UC_Cam_ReadReg", camera.read(camera.Handle(), s_gainBlock, auiBlock, &uiSize));
     }
 }
 BENCHMARK(GainBlockRead)->Repetitions(15)->ReportAggregatesOnly();
@@ -76,23 +55,23 @@ void GainGet(benchmark::State &state)
     const Camera camera;
     double dGain = 0;
     for (auto _ : state)
-        Check("GetCamGain", GetCamGain(camera.hCam, &dGain));
+        Check("GetCamGain", GetCamGain(camera.Handle(), &dGain));
 }
 BENCHMARK(GainGet)->Repetitions(15)->ReportAggregatesOnly();
 
 void ExposureBlockReadAndWrite(benchmark::State &state)
 {
     const Camera camera;
-    Check("SetCamExposureTime", SetCamExposureTime(camera.hCam, 5000));
+    Check("SetCamExposureTime", SetCamExposureTime(camera.Handle(), 5000));
     uint32_t auiBlock[8];
     uint32_t uiSize = 8;
-    Check("UC_Cam_ReadReg", camera.read(camera.hCam, s_exposureBlock, auiBlock, &uiSize));
+    Check("UC_Cam_ReadReg", camera.read(camera.Handle(), s_exposureBlock, auiBlock, &uiSize));
     const uint32_t uiValue = auiBlock[7];
     for (auto _ : state) {
         uiSize = 7;
-        Check("UC_Cam_ReadReg", camera.read(camera.hCam, s_exposureBlock, auiBlock, &uiSize));
+        Check("UC_Cam_ReadReg", camera.read(camera.Handle(), s_exposureBlock, auiBlock, &uiSize));
         uiSize = 1;
-        Check("UC_Cam_WriteReg", camera.write(camera.hCam, s_exposureBlock + s_value, &uiValue, &uiSize));
+        Check("UC_Cam_WriteReg", camera.write(camera.Handle(), s_exposureBlock + s_value, &uiValue, &uiSize));
     }
 }
 BENCHMARK(ExposureBlockReadAndWrite)->Repetitions(15)->ReportAggregatesOnly();
@@ -101,7 +80,7 @@ void ExposureSet(benchmark::State &state)
 {
     const Camera camera;
     for (auto _ : state)
-        Check("SetCamExposureTime", SetCamExposureTime(camera.hCam, 5000));
+        Check("SetCamExposureTime", SetCamExposureTime(camera.Handle(), 5000));
 }
 BENCHMARK(ExposureSet)->Repetitions(15)->ReportAggregatesOnly();
 

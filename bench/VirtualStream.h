@@ -1,24 +1,16 @@
 #pragma once
 // A stream of a virtual camera in request mode, waited for with its signal.
 
-#include "OrviCamApi.h"
+#include "BenchCamera.h"
 
-#include <cstdio>
-#include <cstdlib>
 #include <vector>
 
 namespace Orvi::Bench {
 
-class VirtualStream {
+class VirtualStream : public BenchCamera {
   public:
     explicit VirtualStream(std::size_t buffers)
     {
-        setenv("ORVICAMSDK", ORVI_BENCH_SDK, 1);
-        setenv("ORVI_VIRTUAL_CAMERAS", "1", 1);
-        uint32_t uiNum = 0;
-        Check("Sys_Initialize", Sys_Initialize(SYS_INIT_U3V));
-        Check("Sys_GetNumOfCameras", Sys_GetNumOfCameras(&uiNum));
-        Check("Cam_Open", Cam_Open(0, &hCam_, nullptr, true, nullptr, CAM_ACCESS_MODE_CONTROL));
         Check("Sys_CreateSignal", Sys_CreateSignal(&hReady_));
         Check("Strm_Open", Strm_Open(hCam_, reinterpret_cast<void *>(hReady_), &uiPayload_, &hStrm_, 0));
         buffers_.assign(buffers, std::vector<unsigned char>(uiPayload_));
@@ -38,8 +30,6 @@ class VirtualStream {
             Check("Strm_ReleaseRequest", Strm_ReleaseRequest(hStrm_, hRequest));
         Check("Strm_Close", Strm_Close(hStrm_));
         Check("Sys_CloseSignal", Sys_CloseSignal(hReady_));
-        Check("Cam_Close", Cam_Close(hCam_));
-        Check("Sys_Terminate", Sys_Terminate());
     }
 
     uint32_t PayloadSize() const { return uiPayload_; }
@@ -75,15 +65,7 @@ class VirtualStream {
   private:
     void SetThrottle(uint32_t uiOff) { Check("Cam_WriteReg", Cam_WriteReg(hCam_, 0x0F00000C, 1, &uiOff)); }
 
-    static void Check(const char *what, CAM_API_STATUS status)
-    {
-        if (status == CAM_API_STS_SUCCESS)
-            return;
-        std::fprintf(stderr, "bench: %s: status 0x%X\n", what, status);
-        std::exit(2);
-    }
-
-    CAM_HANDLE hCam_ = 0, hStrm_ = 0, hReady_ = 0;
+    CAM_HANDLE hStrm_ = 0, hReady_ = 0;
     uint32_t uiPayload_ = 0;
     std::vector<std::vector<unsigned char>> buffers_;
     std::vector<CAM_HANDLE> requests_;

@@ -1,3 +1,5 @@
+// Booleans.
+
 #include "node/NodeCalls.h"
 
 using namespace Orvi;

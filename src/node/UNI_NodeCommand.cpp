@@ -1,3 +1,5 @@
+// Commands.
+
 #include "node/NodeCalls.h"
 
 using namespace Orvi;

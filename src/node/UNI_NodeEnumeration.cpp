@@ -1,3 +1,5 @@
+// Enumerations and their entries.
+
 #include "node/NodeCalls.h"
 #include "node/UNI_Node.h"
 

@@ -1,3 +1,5 @@
+// Floats.
+
 #include "node/NodeCalls.h"
 
 using namespace Orvi;

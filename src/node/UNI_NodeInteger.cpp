@@ -1,3 +1,5 @@
+// Integers.
+
 #include "node/NodeCalls.h"
 
 using namespace Orvi;

@@ -1,3 +1,5 @@
+// Start and end of the library, and what is attached.
+
 #include "system/UNI_Sys.h"
 
 #include "foundation/Version.h"
