@@ -28,8 +28,8 @@ LAYERS = [
     ("features", "src/features/*", "system camera node"),
     ("stream", "src/stream/*", "features"),
     ("event", "src/event/*", "features"),
-    # the virtual camera: its two headers are all that others see of it
-    ("vcam interface", "vcam/UsbFunction.h vcam/VirtualCamera.h", ""),
+    # the virtual camera: its three headers are all that others see of it
+    ("vcam interface", "vcam/UsbFunction.h vcam/VirtualCamera.h vcam/Faults.h", ""),
     ("vcam", "vcam/*", "vcam_interface"),
     # the transport
     ("u3v core", "u3v/core/*", "interface"),

@@ -2,6 +2,7 @@
 // The virtual camera: a USB3 Vision device in memory, with control registers, a GenICam description, a sensor that sees
 // a moving subject, and faults on demand. Nothing here knows the host's side.
 
+#include "Faults.h"
 #include "UsbFunction.h"
 
 #include <cstdint>
@@ -19,6 +20,7 @@ struct CameraConfig {
     std::string userDefinedName;
     std::uint32_t sensorWidth = 1920;
     std::uint32_t sensorHeight = 1200;
+    FaultScript faults;
 };
 
 class VirtualCamera : public UsbFunction {
