@@ -12,6 +12,12 @@
 
 namespace Orvi::Vcam {
 
+/// A register's value after power-up: a quadlet, little endian as on the bus.
+struct RegisterPreset {
+    std::uint64_t address = 0;
+    std::uint32_t value = 0;
+};
+
 /// What makes one virtual camera differ from its neighbour.
 struct CameraConfig {
     std::string vendor = "Orvi";
@@ -21,6 +27,11 @@ struct CameraConfig {
     std::uint32_t sensorWidth = 1920;
     std::uint32_t sensorHeight = 1200;
     FaultScript faults;
+    /// The text of another model's description: the camera then has the registers that it names. Empty: its own.
+    std::string xml;
+    std::vector<RegisterPreset> presets;
+    /// False: no block of the control-register map answers; with its own description the nodes lie elsewhere.
+    bool controlRegisters = true;
 };
 
 class VirtualCamera : public UsbFunction {
