@@ -4,15 +4,29 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <memory>
 #include <span>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace Orvi::Vcam {
 
 std::string_view DescriptionXml();
 
-/// The archive as stored in the camera's memory; made once.
-std::span<const std::byte> DescriptionArchive();
-const std::array<std::byte, 20> &DescriptionSha1();
+/// A description as stored in a camera's memory.
+struct StoredDescription {
+    std::vector<std::byte> archive;
+    std::array<std::byte, 20> sha1;
+};
+std::shared_ptr<const StoredDescription> StoreDescription(std::string_view xml);
+
+/// The camera's own description, made once when all formats are offered (an empty list); else without the entries that
+/// belong to others.
+std::shared_ptr<const StoredDescription> OwnDescription(std::span<const std::uint32_t> pixelFormats);
+
+/// An XML description without those entries of its enumeration that have none of the values.
+std::string KeepEntries(std::string xml, std::string_view enumeration, std::span<const std::uint32_t> values);
 
 } // namespace Orvi::Vcam

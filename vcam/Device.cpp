@@ -1,13 +1,34 @@
 #include "vcam/Device.h"
 
+#include <cstdio>
+
 namespace Orvi::Vcam {
 
 namespace {
 
-constexpr std::size_t s_packetSize = 1024;
+/// Of a bulk endpoint.
+constexpr std::size_t PacketSize(LinkSpeed speed)
+{
+    return speed >= LinkSpeed::Super ? 1024 : speed == LinkSpeed::High ? 512 : 64;
+}
 // A host has one command outstanding; acknowledges that it never fetched do not pile up.
 constexpr std::size_t s_ackDepth = 16;
 constexpr std::uint16_t s_pendingMilliseconds = 500;
+
+/// Eight characters of a device's GUID: a short serial number itself, and what tells long ones apart.
+std::string UniquePart(const std::string &serial)
+{
+    if (serial.size() <= 8) {
+        return std::string(8 - serial.size(), '0') + serial;
+    }
+    std::uint32_t hash = 0x811C9DC5; // FNV-1a: the same in every build
+    for (const char character : serial) {
+        hash = (hash ^ static_cast<unsigned char>(character)) * 0x01000193;
+    }
+    std::array<char, 9> digits{};
+    std::snprintf(digits.data(), digits.size(), "%08X", hash);
+    return digits.data();
+}
 
 } // namespace
 
@@ -18,10 +39,11 @@ std::shared_ptr<VirtualCamera> VirtualCamera::Create(const CameraConfig &config)
 
 Device::Device(const CameraConfig &config)
     : config_(config),
+      description_(OwnDescription(config.pixelFormats)),
       userDefinedName_(config.userDefinedName),
-      control_(s_packetSize, [this] { ackOutbox_.Pump(); }),
-      event_(s_packetSize, [this] { eventOutbox_.Pump(); }),
-      stream_(s_packetSize,
+      control_(PacketSize(config.speed), [this] { ackOutbox_.Pump(); }),
+      event_(PacketSize(config.speed), [this] { eventOutbox_.Pump(); }),
+      stream_(PacketSize(config.speed),
               [this] {
                   {
                       const std::lock_guard lock(mutex_);
@@ -65,16 +87,16 @@ UsbIdentity Device::Identity() const
 UsbIdentity Device::Describe() const
 {
     UsbIdentity identity;
-    // The vendor part is free choice; the unique part is the end of the serial number.
-    const std::string unique = std::string(8, '0') + config_.serial;
-    identity.guid = "ORVI" + unique.substr(unique.size() - 8);
+    identity.guid = "ORVI" + UniquePart(config_.serial);
     identity.vendor = config_.vendor;
     identity.model = config_.model;
-    identity.family = "Virtual";
-    identity.deviceVersion = "1.0";
-    identity.manufacturerInfo = "A camera in memory";
+    identity.family = config_.family;
+    identity.deviceVersion = config_.deviceVersion;
+    identity.manufacturerInfo = config_.manufacturerInfo;
     identity.serial = config_.serial;
     identity.userDefinedName = userDefinedName_;
+    identity.speed = config_.speed;
+    identity.maxPacketSize = static_cast<std::uint16_t>(PacketSize(config_.speed));
     return identity;
 }
 

@@ -6,6 +6,7 @@
 // DeviceStream.cpp (images on their way to the host).
 
 #include "vcam/ControlBlocks.h"
+#include "vcam/Description.h"
 #include "vcam/EventQueue.h"
 #include "vcam/GenCpServer.h"
 #include "vcam/Outbox.h"
@@ -89,6 +90,7 @@ class Device final : public VirtualCamera, private GenCpMemory {
     void Refresh();
     void WrittenFormat(std::uint64_t address, std::uint32_t value);
     void UpdatePayloadSize();
+    bool IsOffered(const PixelFormat *format) const;
     /// What a write asked for and what must not happen under the lock.
     void FinishWrite();
     bool IsStreaming() const { return IsStreamEnabled() || acquisition_.isActive; }
@@ -163,6 +165,7 @@ class Device final : public VirtualCamera, private GenCpMemory {
     void MissFrame(Lock &lock);
 
     const CameraConfig config_;
+    const std::shared_ptr<const StoredDescription> description_;
 
     std::mutex plugMutex_;    // one plug or unplug at a time
     std::mutex controlMutex_; // one command at a time

@@ -83,7 +83,7 @@ GenCpStatus Device::CheckQuadlet(std::uint64_t address, std::uint32_t value) con
         return GenCpStatus::AccessDenied;
     }
     const bool isInRange = value - row->minimum <= row->maximum - row->minimum; // whatever the sign
-    const bool isKnown = (address != Reg::PixelFormat || FindPixelFormat(value) != nullptr) &&
+    const bool isKnown = (address != Reg::PixelFormat || IsOffered(FindPixelFormat(value))) &&
                          (address != Reg::AcquisitionMode || value == s_singleFrame ||
                           value == AcquisitionCommand::Continuous || value == AcquisitionCommand::MultiFrame);
     return isInRange && isKnown ? GenCpStatus::Success : GenCpStatus::InvalidParameter;
@@ -181,11 +181,18 @@ void Device::WrittenFormat(std::uint64_t address, std::uint32_t value)
         registers_.SetWord(size, format.size);
     } else if (address == coding || address == size) {
         // Coding and size are written one after the other; a pair that is no format changes nothing yet.
-        if (const PixelFormat *format = FindPixelFormat(registers_.Word(coding), registers_.Word(size))) {
+        const PixelFormat *format = FindPixelFormat(registers_.Word(coding), registers_.Word(size));
+        if (IsOffered(format)) {
             registers_.SetWord(Reg::PixelFormat, format->code);
         }
     }
     UpdatePayloadSize();
+}
+
+bool Device::IsOffered(const PixelFormat *format) const
+{
+    return format != nullptr && (config_.pixelFormats.empty() ||
+                                 std::ranges::find(config_.pixelFormats, format->code) != config_.pixelFormats.end());
 }
 
 void Device::UpdatePayloadSize() { registers_.SetLong(Reg::SiRequiredPayload, Settings().ImageBytes()); }

@@ -23,7 +23,8 @@ bool Device::IsThrottled() const { return registers_.Word(Reg::Unthrottled) == 0
 Device::Clock::duration Device::FramePeriod() const
 {
     const bool isFree = registers_.Word(Block::FrameRate + 8) == s_modeFree;
-    const double rate = isFree ? s_freeRate : registers_.Word(Block::FrameRate + 0x1C) / 1000.0;
+    const double rate = isFree ? std::min(s_freeRate, registers_.Word(Block::FrameRate + 0x18) / 1000.0)
+                               : registers_.Word(Block::FrameRate + 0x1C) / 1000.0;
     const std::chrono::microseconds exposure(Exposure());
     // An image cannot begin before the exposure of the last one has ended.
     return std::max<Clock::duration>(exposure, std::chrono::nanoseconds(static_cast<std::int64_t>(1e9 / rate)));

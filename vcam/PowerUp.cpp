@@ -3,6 +3,7 @@
 #include "vcam/DeviceRegisterTable.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace Orvi::Vcam {
 
@@ -84,9 +85,9 @@ void LoadEirm(RegisterSpace &space)
     space.SetRights(Reg::EiTestControl, 4, Rights::ReadWrite);
 }
 
-void LoadManifest(RegisterSpace &space)
+void LoadManifest(RegisterSpace &space, const StoredDescription &description)
 {
-    const std::span archive = DescriptionArchive();
+    const std::span<const std::byte> archive = description.archive;
     space.AddRegion(Reg::ManifestTable, Reg::ManifestTableSize, Rights::Read);
     const std::span table = space.Bytes(Reg::ManifestTable, Reg::ManifestTableSize);
     FieldWriter(table)
@@ -95,8 +96,34 @@ void LoadManifest(RegisterSpace &space)
         .Put(std::uint32_t{0x01010400}) // schema 1.1, zipped, device description
         .Put(Reg::DescriptionFile)
         .Put(static_cast<std::uint64_t>(archive.size()));
-    std::copy(DescriptionSha1().begin(), DescriptionSha1().end(), table.begin() + 8 + 0x18);
+    std::copy(description.sha1.begin(), description.sha1.end(), table.begin() + 8 + 0x18);
     space.AddImage(Reg::DescriptionFile, archive);
+}
+
+/// What the configuration narrows: the pixel formats on offer and the frame rate.
+void ApplyConfig(RegisterSpace &space, const CameraConfig &config)
+{
+    if (!config.pixelFormats.empty()) {
+        const auto offer = [&space](std::uint32_t block, std::uint32_t PixelFormat::*part, const auto &formats) {
+            for (std::uint32_t word = 0; word < 4; ++word) {
+                space.SetWord(block + 0x0C + 4 * word, 0);
+            }
+            for (const std::uint32_t code : formats) {
+                const std::uint32_t value = FindPixelFormat(code)->*part;
+                const std::uint32_t mask = block + 0x0C + value / 32 * 4;
+                space.SetWord(mask, space.Word(mask) | 1u << value % 32);
+            }
+            space.SetWord(block + 0x1C, FindPixelFormat(formats.front())->*part);
+        };
+        offer(Block::PixelCoding, &PixelFormat::coding, config.pixelFormats);
+        offer(Block::PixelSize, &PixelFormat::size, config.pixelFormats);
+        space.SetWord(Reg::PixelFormat, config.pixelFormats.front());
+    }
+    if (config.frameRateLimit) {
+        const auto limit = static_cast<std::uint32_t>(std::llround(*config.frameRateLimit * 1000));
+        space.SetWord(Block::FrameRate + 0x18, limit);
+        space.SetWord(Block::FrameRate + 0x1C, std::min(limit, space.Word(Block::FrameRate + 0x1C)));
+    }
 }
 
 } // namespace
@@ -106,13 +133,14 @@ void Device::PowerUp()
     const UsbIdentity identity = Describe();
     registers_ = RegisterSpace();
     LoadAbrm(registers_, identity);
-    LoadSbrm(registers_, identity.speed);
+    LoadSbrm(registers_, config_.speedRegister.value_or(config_.speed));
     LoadSirm(registers_);
     LoadEirm(registers_);
-    LoadManifest(registers_);
+    LoadManifest(registers_, *description_);
     registers_.AddRegion(Reg::Control, Reg::ControlSize, Rights::Read);
     LoadControlBlocks(registers_, config_.sensorWidth, config_.sensorHeight);
     LoadDeviceRegisters(registers_);
+    ApplyConfig(registers_, config_);
     LoadTables(registers_, config_.sensorWidth, config_.sensorHeight);
 
     server_.Reset();

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,10 +23,20 @@ struct RegisterPreset {
 struct CameraConfig {
     std::string vendor = "Orvi";
     std::string model = "Virtual Camera";
+    std::string family = "Virtual";
+    std::string deviceVersion = "1.0";
+    std::string manufacturerInfo = "A camera in memory";
     std::string serial; ///< required: it is the camera's identity
     std::string userDefinedName;
-    std::uint32_t sensorWidth = 1920;
-    std::uint32_t sensorHeight = 1200;
+    std::uint32_t sensorWidth = 1920;  ///< a multiple of 4
+    std::uint32_t sensorHeight = 1200; ///< even
+    /// PFNC codes of s_pixelFormats that are offered; the first is the one at power-up. Empty: all, Mono8 first.
+    std::vector<std::uint32_t> pixelFormats;
+    std::optional<double> frameRateLimit;   ///< images per second at most
+    LinkSpeed speed = LinkSpeed::Super;     ///< of the link, as the descriptors tell it
+    std::optional<LinkSpeed> speedRegister; ///< what the camera's register tells, when it is another
+    /// Cameras with the same seed show the same images and have the same faults.
+    std::uint64_t seed = 0;
     FaultScript faults;
     /// The text of another model's description: the camera then has the registers that it names. Empty: its own.
     std::string xml;
