@@ -1,3 +1,4 @@
+#include "vcam/StateFile.h"
 #include "vcam/VirtualCamera.h"
 
 #include <charconv>
@@ -45,6 +46,7 @@ class Bench final : public VirtualBench {
             std::snprintf(serial, sizeof serial, "VC%06u", static_cast<unsigned>(cameras_.size()) + 1);
             CameraConfig config;
             config.serial = serial;
+            config.stateFile = StateFileOf(serial);
             cameras_.push_back(VirtualCamera::Create(config));
         }
         return cameras_;

@@ -40,7 +40,7 @@ std::shared_ptr<VirtualCamera> VirtualCamera::Create(const CameraConfig &config)
 Device::Device(const CameraConfig &config)
     : config_(config),
       description_(OwnDescription(config.pixelFormats)),
-      userDefinedName_(config.userDefinedName),
+      stored_{config.userDefinedName, 0, {}},
       control_(PacketSize(config.speed), [this] { ackOutbox_.Pump(); }),
       event_(PacketSize(config.speed), [this] { eventOutbox_.Pump(); }),
       stream_(PacketSize(config.speed),
@@ -61,6 +61,11 @@ Device::Device(const CameraConfig &config)
           nullptr)
 {
     PowerUp();
+    if (!config_.stateFile.empty()) {
+        // The file is told against the factory's set, which the first power-up has made.
+        LoadState(config_.stateFile, config_.serial, stored_);
+        PowerUp();
+    }
     sensor_ = std::thread([this] { RunSensor(); });
 }
 
@@ -94,7 +99,7 @@ UsbIdentity Device::Describe() const
     identity.deviceVersion = config_.deviceVersion;
     identity.manufacturerInfo = config_.manufacturerInfo;
     identity.serial = config_.serial;
-    identity.userDefinedName = userDefinedName_;
+    identity.userDefinedName = stored_.userDefinedName;
     identity.speed = config_.speed;
     identity.maxPacketSize = static_cast<std::uint16_t>(PacketSize(config_.speed));
     return identity;

@@ -13,6 +13,7 @@
 #include "vcam/Painter.h"
 #include "vcam/Registers.h"
 #include "vcam/SelectedRegisters.h"
+#include "vcam/StateFile.h"
 #include "vcam/VirtualCamera.h"
 
 #include <chrono>
@@ -83,6 +84,7 @@ class Device final : public VirtualCamera, private GenCpMemory {
     // DeviceRegisters.cpp
     GenCpStatus Read(std::uint64_t address, std::span<std::byte> to) override;
     GenCpStatus Write(std::uint64_t address, std::span<const std::byte> from) override;
+    GenCpStatus WriteQuadlets(std::uint64_t address, std::span<const std::byte> from);
     GenCpStatus CheckQuadlet(std::uint64_t address, std::uint32_t value) const;
     GenCpStatus CheckStreamInterface(std::uint64_t address, std::uint32_t value) const;
     void Written(std::uint64_t address, std::uint32_t value);
@@ -100,8 +102,10 @@ class Device final : public VirtualCamera, private GenCpMemory {
     void CarryOut(std::uint32_t acquisitionCommand);
     void FinishCommand(std::uint64_t address, std::chrono::milliseconds atLeast = {});
     void RefreshCommands();
+    bool IsUserSetBusy() const;
     void SaveUserSet(std::size_t number);
     void LoadUserSet(std::size_t number);
+    void KeepState();
 
     // DeviceFeatures.cpp: features that react to writes or act by themselves
     bool WrittenFeature(std::uint64_t address, std::uint32_t value);
@@ -169,12 +173,14 @@ class Device final : public VirtualCamera, private GenCpMemory {
 
     std::mutex plugMutex_;    // one plug or unplug at a time
     std::mutex controlMutex_; // one command at a time
+    std::mutex stateMutex_;   // one writer of the state file
     GenCpServer server_{*this};
 
     mutable std::mutex mutex_; // all below, as far as it has no lock of its own
     std::condition_variable wake_;
     RegisterSpace registers_;
-    std::string userDefinedName_; // survives unplugging
+    StoredState stored_;          // survives unplugging
+    bool isStateChanged_ = false; // by the command under way: the state file is written
     std::array<bool, static_cast<std::size_t>(EventKind::Count)> notifications_{};
     std::deque<Ack> acks_;
     bool isAckUnplugging_ = false; // the acknowledge under way does
@@ -194,9 +200,6 @@ class Device final : public VirtualCamera, private GenCpMemory {
     std::map<std::uint64_t, Clock::time_point> commands_; // that have not reported done yet
     std::uint32_t burstLeft_ = 0;                         // images that the last trigger still asks for
     bool isExposing_ = false, isTransferring_ = false, isInFrame_ = false;
-    using UserSet = std::vector<std::pair<std::uint64_t, std::uint32_t>>;
-    std::array<UserSet, 16> userSets_; // these survive unplugging; 0 is the factory's
-    std::uint32_t defaultUserSet_ = 0;
     bool isControlOutHalted_ = false;
     bool isPlugged_ = true;
     bool isUnplugRequested_ = false;

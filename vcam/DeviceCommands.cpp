@@ -34,6 +34,7 @@ bool Device::WrittenCommand(std::uint64_t address, std::uint32_t value)
         break;
     case Reg::UserSetSave:
         SaveUserSet(selectedSet());
+        isStateChanged_ = true;
         FinishCommand(address, s_userSetTime);
         return true;
     case Reg::UserSetLoad:
@@ -97,8 +98,18 @@ void Device::RefreshCommands()
         }
         return isDone;
     });
-    const bool isBusy = commands_.contains(Reg::UserSetSave) || commands_.contains(Reg::UserSetLoad);
-    registers_.SetWord(Reg::UserSetDone, isBusy ? 0 : 1);
+    registers_.SetWord(Reg::UserSetDone, IsUserSetBusy() ? 0 : 1);
+}
+
+bool Device::IsUserSetBusy() const
+{
+    const Clock::time_point now = Clock::now();
+    for (const std::uint64_t command : {Reg::UserSetSave, Reg::UserSetLoad}) {
+        if (const auto found = commands_.find(command); found != commands_.end() && found->second > now) {
+            return true;
+        }
+    }
+    return false;
 }
 
 void Device::SaveUserSet(std::size_t number)
@@ -107,7 +118,7 @@ void Device::SaveUserSet(std::size_t number)
     words.insert(words.end(), std::begin(s_ownSettings), std::end(s_ownSettings));
     const std::vector<std::uint64_t> tables = TableWords();
     words.insert(words.end(), tables.begin(), tables.end());
-    UserSet &set = userSets_[number];
+    UserSet &set = stored_.userSets[number];
     set.clear();
     for (const std::uint64_t word : words) {
         set.emplace_back(word, registers_.Word(word));
@@ -117,7 +128,7 @@ void Device::SaveUserSet(std::size_t number)
 void Device::LoadUserSet(std::size_t number)
 {
     // A set that was never saved holds what the factory's does.
-    const UserSet &set = userSets_[number].empty() ? userSets_[0] : userSets_[number];
+    const UserSet &set = stored_.userSets[number].empty() ? stored_.userSets[0] : stored_.userSets[number];
     for (const auto &[address, value] : set) {
         registers_.SetWord(address, value);
     }
@@ -129,6 +140,21 @@ void Device::LoadUserSet(std::size_t number)
     ClearImageBuffer();
     inputLevel_ = LineStates() & 1;
     UpdatePayloadSize();
+}
+
+/// Into the state file, which has it before the command is answered.
+void Device::KeepState()
+{
+    const std::lock_guard writer(stateMutex_);
+    StoredState state;
+    {
+        const Lock lock(mutex_);
+        if (!std::exchange(isStateChanged_, false) || config_.stateFile.empty()) {
+            return;
+        }
+        state = stored_;
+    }
+    SaveState(config_.stateFile, config_.serial, state);
 }
 
 } // namespace Orvi::Vcam

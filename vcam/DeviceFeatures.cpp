@@ -82,7 +82,8 @@ bool Device::WrittenFeature(std::uint64_t address, std::uint32_t value)
         FitImageToSensor();
         return true;
     case Reg::UserSetDefault:
-        defaultUserSet_ = value;
+        stored_.defaultUserSet = value;
+        isStateChanged_ = true;
         return true;
     default:
         return false;

@@ -26,30 +26,38 @@ GenCpStatus Device::Write(std::uint64_t address, std::span<const std::byte> from
             std::copy(from.begin(), from.end(), target.begin());
             const std::span name = registers_.Bytes(Reg::UserDefinedName, 64);
             const auto end = std::find(name.begin(), name.end(), std::byte{0});
-            userDefinedName_.assign(reinterpret_cast<const char *>(name.data()),
-                                    static_cast<std::size_t>(end - name.begin()));
-            return GenCpStatus::Success;
-        }
-        // All or nothing: each quadlet is checked against those before it, and nothing happens until all have passed.
-        const std::vector<std::byte> before(target.begin(), target.end());
-        GenCpStatus status = GenCpStatus::Success;
-        for (std::size_t at = 0; at < from.size() && status == GenCpStatus::Success; at += 4) {
-            const auto value = LoadLe<std::uint32_t>(from.data() + at);
-            status = CheckQuadlet(address + at, value);
-            registers_.SetWord(address + at, value);
-        }
-        std::copy(before.begin(), before.end(), target.begin());
-        if (status != GenCpStatus::Success) {
+            stored_.userDefinedName.assign(reinterpret_cast<const char *>(name.data()),
+                                           static_cast<std::size_t>(end - name.begin()));
+            isStateChanged_ = true;
+        } else if (const GenCpStatus status = WriteQuadlets(address, from); status != GenCpStatus::Success) {
             return status;
-        }
-        // A selector changes what the quadlet behind it is about: they are written one after the other.
-        for (std::size_t at = 0; at < from.size(); at += 4) {
-            const auto value = LoadLe<std::uint32_t>(from.data() + at);
-            registers_.SetWord(address + at, value);
-            Written(address + at, value);
         }
     }
     FinishWrite();
+    return GenCpStatus::Success;
+}
+
+/// All or nothing: each quadlet is checked against those before it, and nothing happens until all have passed.
+GenCpStatus Device::WriteQuadlets(std::uint64_t address, std::span<const std::byte> from)
+{
+    const std::span<std::byte> target = registers_.Bytes(address, from.size());
+    const std::vector<std::byte> before(target.begin(), target.end());
+    GenCpStatus status = GenCpStatus::Success;
+    for (std::size_t at = 0; at < from.size() && status == GenCpStatus::Success; at += 4) {
+        const auto value = LoadLe<std::uint32_t>(from.data() + at);
+        status = CheckQuadlet(address + at, value);
+        registers_.SetWord(address + at, value);
+    }
+    std::copy(before.begin(), before.end(), target.begin());
+    if (status != GenCpStatus::Success) {
+        return status;
+    }
+    // A selector changes what the quadlet behind it is about: they are written one after the other.
+    for (std::size_t at = 0; at < from.size(); at += 4) {
+        const auto value = LoadLe<std::uint32_t>(from.data() + at);
+        registers_.SetWord(address + at, value);
+        Written(address + at, value);
+    }
     return GenCpStatus::Success;
 }
 
@@ -76,6 +84,10 @@ GenCpStatus Device::CheckQuadlet(std::uint64_t address, std::uint32_t value) con
     }
     if (row->locked == Locked::WhileStreaming && IsStreaming()) {
         return GenCpStatus::AccessDenied;
+    }
+    // A set is stored or loaded to its end before the next one.
+    if ((address == Reg::UserSetSave || address == Reg::UserSetLoad) && IsUserSetBusy()) {
+        return GenCpStatus::Busy;
     }
     // The default set is the factory's: it can be loaded, not saved.
     const bool isFactory = address == Reg::UserSetSave && registers_.Word(Reg::UserSetSelector) == 0;
@@ -211,6 +223,7 @@ void Device::FinishWrite()
     if (isEventCut) {
         event_.Abort();
     }
+    KeepState();
     wake_.notify_all();
 }
 

@@ -162,11 +162,11 @@ void Device::PowerUp()
     isSoftwareActive_ = false;
     timers_ = {};
     commands_.clear();
-    if (userSets_[0].empty()) {
+    if (stored_.userSets[0].empty()) {
         SaveUserSet(0);
     }
-    registers_.SetWord(Reg::UserSetDefault, defaultUserSet_);
-    LoadUserSet(defaultUserSet_);
+    registers_.SetWord(Reg::UserSetDefault, stored_.defaultUserSet);
+    LoadUserSet(stored_.defaultUserSet);
 }
 
 } // namespace Orvi::Vcam

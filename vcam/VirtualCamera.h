@@ -43,6 +43,8 @@ struct CameraConfig {
     std::vector<RegisterPreset> presets;
     /// False: no block of the control-register map answers; with its own description the nodes lie elsewhere.
     bool controlRegisters = true;
+    /// Keeps user sets and user-defined name for the next process; empty: they last as long as the camera does.
+    std::string stateFile;
 };
 
 class VirtualCamera : public UsbFunction {

@@ -5,29 +5,15 @@ namespace {
 
 using enum GenCpStatus;
 
-class Commands : public Feature {
-  protected:
-    void Save(std::uint32_t set)
-    {
-        control_.Write(Reg::UserSetSelector, set);
-        control_.Write(Reg::UserSetSave, 1);
-    }
-    void Load(std::uint32_t set)
-    {
-        control_.Write(Reg::UserSetSelector, set);
-        control_.Write(Reg::UserSetLoad, 1);
-    }
-};
+class Commands : public Feature {};
 
 TEST_F(Commands, UserSetsKeepSettingsForTheLifeOfTheCamera)
 {
     control_.Write(Value(Block::Gain), 900);
     control_.Write(ImageSizeWord::Width, 160);
     control_.Write(Reg::PixelFormat, 0x02180014);
-    control_.Write(Reg::UserSetSelector, 3);
-    control_.Write(Reg::UserSetSave, 1);
-    control_.Write(Reg::UserSetSelector, 0);
-    control_.Write(Reg::UserSetLoad, 1);
+    SaveUserSet(3);
+    LoadUserSet(0);
     EXPECT_EQ(control_.Read(Value(Block::Gain)), 0u);
     EXPECT_EQ(control_.ReadLong(Reg::SiRequiredPayload), 320u * 240);
     EXPECT_EQ(control_.TryWrite(Reg::UserSetSave, 1), AccessDenied) << "the factory's set";
@@ -66,6 +52,27 @@ TEST_F(Commands, UserSetsTakeAWhile)
         control_.Write(Reg::TimestampLatch, 1);
         EXPECT_GE(control_.ReadLong(Reg::Timestamp), before + 50000000);
     }
+}
+
+TEST_F(Commands, UserSetCommandIsRefusedWhileAnotherIsUnderWay)
+{
+    SaveUserSet(1);
+    control_.Write(Value(Block::Gain), 900);
+    for (const std::uint64_t first : {Reg::UserSetSave, Reg::UserSetLoad}) {
+        control_.Write(Reg::UserSetSelector, 2);
+        control_.Write(Reg::CommandDelay, Reg::s_never);
+        control_.Write(first, 1);
+        control_.Write(Reg::UserSetSelector, 1);
+        for (const std::uint64_t second : {Reg::UserSetSave, Reg::UserSetLoad}) {
+            EXPECT_EQ(control_.TryWrite(second, 1), Busy) << std::hex << first << ", then " << second;
+        }
+        EXPECT_EQ(control_.Read(Value(Block::Gain)), 900u) << "nothing was loaded";
+        control_.Write(Value(Block::Gamma), 90); // other features are not concerned
+        control_.Write(Reg::CommandDelay, 0);
+        AwaitUserSet();
+    }
+    LoadUserSet(1);
+    EXPECT_EQ(control_.Read(Value(Block::Gain)), 0u) << "nor saved";
 }
 
 TEST_F(Commands, EveryCommandReportsDoneLateOrNeverOnDemand)
@@ -126,13 +133,13 @@ TEST_F(Commands, UserSetKeepsEverySelectedValue)
         control_.Write(row.address, row.value);
     }
     control_.Write(Reg::ShutterTerminateAt, 3);
-    Save(15);
-    Load(0);
+    SaveUserSet(15);
+    LoadUserSet(0);
     for (const auto &row : rows) {
         control_.Write(row.selector, row.entry);
         EXPECT_NE(control_.Read(row.address), row.value) << std::hex << row.address;
     }
-    Load(15);
+    LoadUserSet(15);
     EXPECT_EQ(control_.Read(Reg::ShutterTerminateAt), 3u);
     for (const auto &row : rows) {
         control_.Write(row.selector, row.entry);

@@ -49,6 +49,19 @@ class Feature : public testing::Test {
         EXPECT_FALSE(none.IsDone());
         EXPECT_TRUE(camera_->Cancel(Endpoint::StreamIn, none));
     }
+    /// Waits until the camera takes the next user-set command.
+    void AwaitUserSet()
+    {
+        EXPECT_TRUE(Eventually([&] { return control_.Read(Reg::UserSetDone) == 1; }));
+    }
+    void SaveUserSet(std::uint32_t set) { CommandUserSet(Reg::UserSetSave, set); }
+    void LoadUserSet(std::uint32_t set) { CommandUserSet(Reg::UserSetLoad, set); }
+    void CommandUserSet(std::uint64_t command, std::uint32_t set)
+    {
+        control_.Write(Reg::UserSetSelector, set);
+        control_.Write(command, 1);
+        AwaitUserSet();
+    }
     void Trigger() { control_.Write(Value(Block::SoftwareTrigger), 8); }
 
     std::shared_ptr<VirtualCamera> camera_ = MakeCamera();
