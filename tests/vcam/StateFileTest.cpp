@@ -17,12 +17,19 @@ constexpr std::uint32_t s_gain = Block::Gain + 0x1C;
 struct Kept {
     explicit Kept(const std::filesystem::path &file, const std::string &serial = "VC000001",
                   std::uint32_t sensorWidth = 320)
-        : camera(VirtualCamera::Create({.serial = serial,
-                                        .userDefinedName = "as made",
-                                        .sensorWidth = sensorWidth,
-                                        .sensorHeight = 240,
-                                        .stateFile = file.string()}))
+        : camera(Make(file, serial, sensorWidth))
     {
+    }
+    static std::shared_ptr<VirtualCamera> Make(const std::filesystem::path &file, const std::string &serial,
+                                               std::uint32_t sensorWidth)
+    {
+        CameraConfig config;
+        config.serial = serial;
+        config.userDefinedName = "as made";
+        config.sensorWidth = sensorWidth;
+        config.sensorHeight = 240;
+        config.stateFile = file.string();
+        return VirtualCamera::Create(config);
     }
     void Command(std::uint64_t command, std::uint32_t set)
     {
