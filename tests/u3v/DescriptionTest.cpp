@@ -160,6 +160,19 @@ TEST_F(DescriptionTest, NoCutOrFlippedArchiveIsReadBeyondItsEnd)
         }
 }
 
+TEST_F(DescriptionTest, ArchiveThatClaimsMoreThanItCanHoldTakesNoMemory)
+{
+    // As good as zip can pack: the limit is not below it.
+    const std::string blanks(1 << 20, ' ');
+    EXPECT_EQ(UnzipFirstFile(Zip(blanks)), blanks);
+
+    Bytes archive = Zip(xml);
+    const std::size_t directory = archive.size() - 22 - 46 - 5;
+    const Bytes claim = Pack(std::uint32_t{255U << 20});
+    std::copy(claim.begin(), claim.end(), archive.begin() + static_cast<std::ptrdiff_t>(directory) + 24);
+    EXPECT_NE(FailureOf([&] { UnzipFirstFile(archive); }).find("sizes are wrong"), std::string::npos);
+}
+
 TEST_F(DescriptionTest, FileOfTheUsersMayBeZipped)
 {
     const std::string path = testing::TempDir() + "u3v-description-test";

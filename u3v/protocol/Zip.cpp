@@ -12,6 +12,8 @@ constexpr std::uint32_t localSignature = 0x04034B50, centralSignature = 0x02014B
 constexpr std::size_t localSize = 30, centralSize = 46, endSize = 22;
 constexpr std::uint16_t stored = 0, deflated = 8;
 constexpr std::uint32_t maxSize = 256U << 20;
+// Deflate makes no more than this of a byte: what claims more is refused before memory is taken for it.
+constexpr std::size_t maxRatio = 1032;
 
 [[noreturn]] void Fail(const char *why)
 {
@@ -67,7 +69,7 @@ std::string UnzipFirstFile(std::span<const std::byte> archive)
         Fail("it has no file");
     const std::size_t data =
         local + localSize + Load<std::uint16_t>(archive, local + 26) + Load<std::uint16_t>(archive, local + 28);
-    if (data > archive.size() || packedSize > archive.size() - data || size > maxSize)
+    if (data > archive.size() || packedSize > archive.size() - data || size > maxSize || size / maxRatio > packedSize)
         Fail("its sizes are wrong");
 
     const auto packed = archive.subspan(data, packedSize);
