@@ -55,7 +55,7 @@ def main():
     parser.add_argument("build", type=Path)
     parser.add_argument("--seconds", type=int, default=60)
     parser.add_argument("targets", nargs="*", default=sorted(folder.name for folder in SEEDS.iterdir()))
-    options = parser.parse_args()
+    options = parser.parse_intermixed_args()
 
     rows, inputs = [], []
     workers = len(os.sched_getaffinity(0))
