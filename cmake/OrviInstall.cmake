@@ -19,6 +19,9 @@ install(FILES
 install(FILES "${ORVI_SDK_DIR}/lib/pkgconfig/OrviCamApi.pc" DESTINATION lib/pkgconfig)
 install(FILES include/OrviCamApi.h DESTINATION include)
 install(FILES LICENSE DESTINATION share/doc/OrviCamApi)
+# Not where udev reads it: that is the machine owner's decision (docs/building.md). orvicam doctor tells how.
+configure_file(packaging/70-u3v.rules "${ORVI_SDK_DIR}/share/udev/rules.d/70-u3v.rules" COPYONLY)
+install(FILES packaging/70-u3v.rules DESTINATION share/udev/rules.d)
 
 # Parts that may have been left out of this build.
 if(TARGET OrviU3vCamApi_64)
