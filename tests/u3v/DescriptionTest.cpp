@@ -99,7 +99,13 @@ class DescriptionTest : public testing::Test {
     }
 
     std::string folder; // no cache when empty
-    DeviceIdentity identity{"", "Maker/..", "Model 5", "", "1.0 b", "", "", "", 0, 0, 0};
+    DeviceIdentity identity = [] {
+        DeviceIdentity odd;
+        odd.manufacturer = "Maker/..";
+        odd.model = "Model 5";
+        odd.deviceVersion = "1.0 b";
+        return odd;
+    }();
 
     std::shared_ptr<FakeDevice> device = std::make_shared<FakeDevice>();
 };

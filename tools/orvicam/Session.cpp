@@ -109,20 +109,7 @@ std::vector<std::string> Serials(const std::vector<CameraEntry> &cameras)
     return serials;
 }
 
-/// What to check when nothing is attached.
-std::string NoCameraText()
-{
-    // The transport tells its USB library and version there, or that it has none: "no libusb".
-    CAM_SYSTEM_INFO info{};
-    const std::string usbLibrary =
-        Sys_GetInformation(&info) == CAM_API_STS_SUCCESS ? Text(info.szTransportUsbVersion) : "";
-    const bool usb = !usbLibrary.empty() && !usbLibrary.starts_with("no ");
-    return std::string("no camera found: ") +
-           (usb ? "check that it is plugged in and powered, that lsusb shows it, and that you may open its device "
-                  "file below /dev/bus/usb"
-                : "this transport was built without USB and knows virtual cameras only") +
-           "; " + s_virtualHint;
-}
+constexpr char s_noCamera[] = "no camera found: check that it is plugged in and powered and that lsusb shows it; ";
 
 } // namespace
 
@@ -149,7 +136,7 @@ Session::~Session() { Sys_Terminate(); }
 std::vector<CameraEntry> Session::Select(const std::vector<std::string> &names, Default without) const
 {
     if (cameras_.empty())
-        throw Failure(ExitCode::NoCamera, NoCameraText());
+        throw Failure(ExitCode::NoCamera, std::string(s_noCamera) + s_virtualHint);
     if (names.empty()) {
         if (without == Default::TheOnly && cameras_.size() > 1)
             throw Failure(ExitCode::NoCamera, std::to_string(cameras_.size()) + " cameras are attached (" +

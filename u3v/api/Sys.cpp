@@ -6,13 +6,25 @@
 #include "u3v/protocol/CameraRegistry.h"
 #include "u3v/protocol/EventChannel.h"
 #include "u3v/protocol/Stream.h"
+#include "u3v/usb/Libusb.h"
 
 using namespace Orvi::U3v;
 
 namespace {
 
-// Items of UC_Sys_GetInformation, from 1.
-constexpr std::string_view systemTexts[] = {"Orvi USB3 Vision transport", ORVI_VERSION, "no libusb"};
+std::string SystemText(uint32_t item)
+{
+    switch (item) {
+    case 1:
+        return "Orvi USB3 Vision transport";
+    case 2:
+        return ORVI_VERSION;
+    case 3:
+        return LibusbVersion();
+    default:
+        throw StatusError(CAM_API_STS_NOT_FOUND, "no system item " + std::to_string(item));
+    }
+}
 
 } // namespace
 
@@ -39,11 +51,7 @@ CAM_API_STATUS UC_Sys_Terminate()
 
 CAM_API_STATUS UC_Sys_GetInformation(uint32_t uiItem, void *pvBuffer, uint32_t *puiSize)
 {
-    return ApiCall([&] {
-        if (uiItem == 0 || uiItem > std::size(systemTexts))
-            throw StatusError(CAM_API_STS_NOT_FOUND, "no system item " + std::to_string(uiItem));
-        CopyText(systemTexts[uiItem - 1], static_cast<char *>(pvBuffer), puiSize);
-    });
+    return ApiCall([&] { CopyText(SystemText(uiItem), static_cast<char *>(pvBuffer), puiSize); });
 }
 
 CAM_API_STATUS UC_Sys_GetNumOfCameras(uint32_t *puiNum)

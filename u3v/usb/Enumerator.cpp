@@ -1,5 +1,6 @@
 #include "u3v/usb/Enumerator.h"
 
+#include "u3v/usb/LibusbDevice.h"
 #include "u3v/usb/LoopbackLink.h"
 #include "vcam/VirtualCamera.h"
 
@@ -38,6 +39,8 @@ bool IsKindWanted(std::string_view kind)
 std::vector<std::shared_ptr<UsbDevice>> EnumerateDevices()
 {
     std::vector<std::shared_ptr<UsbDevice>> devices;
+    if (IsKindWanted("usb"))
+        devices = EnumerateUsbDevices(LibusbContext::Instance());
     if (IsKindWanted("virtual"))
         for (const auto &camera : Vcam::VirtualBench::Instance().Cameras())
             if (camera->IsPlugged())

@@ -84,6 +84,7 @@ DeviceIdentity LoopbackLink::IdentityOf(const Vcam::UsbIdentity &device)
 {
     DeviceIdentity identity;
     identity.key = "virtual:" + device.guid;
+    identity.guid = device.guid;
     identity.manufacturer = device.vendor;
     identity.model = device.model;
     identity.family = device.family;
@@ -124,6 +125,16 @@ void LoopbackLink::ClearHalt(Pipe pipe)
     if (pipe == Pipe::Control)
         device_->ClearHalt(Vcam::Endpoint::ControlOut);
     device_->ClearHalt(InEndpointOf(pipe));
+}
+
+TransferStatus LoopbackLink::Reset()
+{
+    // A halt ends the transfers that pend, and clearing it drops what the device still has to send.
+    for (const Pipe pipe : {Pipe::Stream, Pipe::Event, Pipe::Control}) {
+        SetHalt(pipe);
+        ClearHalt(pipe);
+    }
+    return isGone_ ? TransferStatus::Gone : TransferStatus::Completed;
 }
 
 void LoopbackLink::SetGoneListener(GoneListener *listener)

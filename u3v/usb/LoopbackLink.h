@@ -22,6 +22,7 @@ class LoopbackLink : public UsbLink, private Vcam::UsbFunction::GoneObserver {
     std::unique_ptr<BulkIn> NewTransfer(Pipe pipe, BulkIn::Listener &listener) override;
     void SetHalt(Pipe pipe) override;
     void ClearHalt(Pipe pipe) override;
+    TransferStatus Reset() override;
     bool IsGone() const override { return isGone_; }
     void Close() override;
     void SetGoneListener(GoneListener *listener) override;

@@ -67,7 +67,9 @@ class BulkIn {
 
 /// What the descriptors say of a device.
 struct DeviceIdentity {
-    std::string key; ///< names the device on this machine; stable while it is plugged
+    std::string key;     ///< names the device on this machine; stable while it is plugged
+    std::string guid;    ///< 12 characters: 4 of the vendor id, 8 unique
+    std::string problem; ///< why it cannot be opened and what to do about it, or empty
     std::string manufacturer, model, family, deviceVersion, manufacturerInfo, serial, userDefinedName;
     std::uint32_t u3vVersion = 0; ///< major in bits 31..16, minor below
     std::uint32_t linkSpeed = 0;  ///< 1 low, 2 full, 4 high, 8 super, 16 super+
@@ -100,6 +102,9 @@ class UsbLink {
     /// For the control pipe both endpoints. They do nothing once the device is gone.
     virtual void SetHalt(Pipe pipe) = 0;
     virtual void ClearHalt(Pipe pipe) = 0;
+    /// Resets the device's port. Pending transfers end as Cancelled. A device that comes back as a new one is gone for
+    /// this link.
+    virtual TransferStatus Reset() = 0;
 
     virtual bool IsGone() const = 0;
     /// Gives the device back. No transfer may be pending; from now on the device is gone for this link.
