@@ -1,0 +1,1 @@
+// The target of TestHeaders.h needs a file to compile.
