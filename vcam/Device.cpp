@@ -1,5 +1,6 @@
 #include "vcam/Device.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace Orvi::Vcam {
@@ -30,6 +31,14 @@ std::string UniquePart(const std::string &serial)
     return digits.data();
 }
 
+/// The last one counts.
+const FaultRule *FindFault(const std::vector<FaultRule> &faults, FaultAction action)
+{
+    const auto found = std::find_if(faults.rbegin(), faults.rend(),
+                                    [action](const FaultRule &fault) { return fault.action == action; });
+    return found == faults.rend() ? nullptr : &*found;
+}
+
 } // namespace
 
 std::shared_ptr<VirtualCamera> VirtualCamera::Create(const CameraConfig &config)
@@ -41,6 +50,7 @@ Device::Device(const CameraConfig &config)
     : config_(config),
       description_(OwnDescription(config.pixelFormats)),
       stored_{config.userDefinedName, 0, {}},
+      faults_(config.faults),
       control_(PacketSize(config.speed), [this] { ackOutbox_.Pump(); }),
       event_(PacketSize(config.speed), [this] { eventOutbox_.Pump(); }),
       stream_(PacketSize(config.speed),
@@ -53,12 +63,7 @@ Device::Device(const CameraConfig &config)
       ackOutbox_(
           control_, [this] { return TakeAck(); }, [this] { AckSent(); }),
       eventOutbox_(
-          event_,
-          [this] {
-              const Lock lock(mutex_);
-              return events_.TakePacket((registers_.Word(Reg::DeviceConfiguration) & 2) != 0);
-          },
-          nullptr)
+          event_, [this] { return TakeEvents(); }, nullptr)
 {
     PowerUp();
     if (!config_.stateFile.empty()) {
@@ -71,6 +76,7 @@ Device::Device(const CameraConfig &config)
 
 Device::~Device()
 {
+    alarm_.Stop();
     {
         const std::lock_guard lock(mutex_);
         isQuitting_ = true;
@@ -123,27 +129,52 @@ TransferStatus Device::Out(std::span<const std::byte> data)
 {
     {
         const std::lock_guard command(controlMutex_);
-        {
-            const std::lock_guard lock(mutex_);
-            if (!isPlugged_ || isControlOutHalted_) {
-                return isPlugged_ ? TransferStatus::Stalled : TransferStatus::Gone;
-            }
-            isUnplugWritten_ = false;
+        if (const TransferStatus status = Execute(data); status != TransferStatus::Completed) {
+            return status;
         }
-        std::optional<GenCpServer::Packet> ack = server_.Execute(data);
-        if (!ack) {
-            SetHalt(Endpoint::ControlOut);
-            SetHalt(Endpoint::ControlIn);
-            return TransferStatus::Stalled;
-        }
-        QueueAcks(data, std::move(*ack));
     }
     ackOutbox_.Pump();
-    eventOutbox_.Pump();
+    Settle();
     return TransferStatus::Completed;
 }
 
-void Device::QueueAcks(std::span<const std::byte> command, GenCpServer::Packet ack)
+TransferStatus Device::Execute(std::span<const std::byte> command)
+{
+    std::vector<FaultRule> faults;
+    {
+        const std::lock_guard lock(mutex_);
+        if (!isPlugged_ || isControlOutHalted_) {
+            return isPlugged_ ? TransferStatus::Stalled : TransferStatus::Gone;
+        }
+        isUnplugWritten_ = false;
+        faults = TakeCommandFaults(command);
+        if (isUnplugRequested_) {
+            return TransferStatus::Completed; // pulled before it is carried out
+        }
+    }
+    const FaultRule *stall = FindFault(faults, FaultAction::StallControl);
+    const FaultRule *refusal = FindFault(faults, FaultAction::ErrorAck);
+    std::optional<GenCpServer::Packet> ack;
+    if (refusal != nullptr) {
+        ack = GenCpServer::ErrorAck(command, static_cast<std::uint16_t>(refusal->amount));
+    } else if (stall == nullptr || stall->amount != 0) {
+        ack = server_.Execute(command);
+    }
+    if (!ack) {
+        SetHalt(Endpoint::ControlOut);
+        SetHalt(Endpoint::ControlIn);
+        return TransferStatus::Stalled;
+    }
+    if (stall != nullptr) {
+        SetHalt(Endpoint::ControlIn);
+        return TransferStatus::Completed;
+    }
+    QueueAcks(command, std::move(*ack), faults);
+    return TransferStatus::Completed;
+}
+
+void Device::QueueAcks(std::span<const std::byte> command, GenCpServer::Packet ack,
+                       const std::vector<FaultRule> &faults)
 {
     const std::lock_guard lock(mutex_);
     const auto countDown = [&](std::uint64_t address) {
@@ -156,18 +187,60 @@ void Device::QueueAcks(std::span<const std::byte> command, GenCpServer::Packet a
         command.size() >= s_genCpHeader + 8 ? LoadLe<std::uint64_t>(command.data() + s_genCpHeader) : 0;
     const bool asksForFault = target == Reg::PendingAcks || target == Reg::LostAcks;
     const bool isPending = !asksForFault && countDown(Reg::PendingAcks);
-    if (ack.empty() || (!asksForFault && countDown(Reg::LostAcks))) {
+    const bool isLost = FindFault(faults, FaultAction::LoseAck) != nullptr;
+    if (ack.empty() || isLost || (!asksForFault && countDown(Reg::LostAcks))) {
         isUnplugRequested_ = isUnplugRequested_ || isUnplugWritten_;
         wake_.notify_all();
         return;
     }
     if (isPending) {
-        acks_.push_back({GenCpServer::PendingAck(command, s_pendingMilliseconds), false});
+        QueueAck({GenCpServer::PendingAck(command, s_pendingMilliseconds), false});
     }
-    acks_.push_back({std::move(ack), isUnplugWritten_});
+    if (const FaultRule *pending = FindFault(faults, FaultAction::PendingAck)) {
+        QueueAck({GenCpServer::PendingAck(command, static_cast<std::uint16_t>(pending->amount)), false});
+    }
+    if (const FaultRule *shift = FindFault(faults, FaultAction::ShiftRequestId)) {
+        GenCpServer::ShiftRequestId(ack, static_cast<std::uint16_t>(shift->amount));
+    }
+    const FaultRule *delay = FindFault(faults, FaultAction::DelayAck);
+    if (delay == nullptr) {
+        QueueAck({std::move(ack), isUnplugWritten_});
+        return;
+    }
+    alarm_.Set(
+        Clock::now() + std::chrono::milliseconds(delay->amount),
+        [this, late = Ack{std::move(ack), isUnplugWritten_}, powerUps = powerUps_] { SendLate(late, powerUps); });
+}
+
+void Device::SendLate(const Ack &ack, std::uint64_t powerUps)
+{
+    {
+        const std::lock_guard lock(mutex_);
+        if (!isPlugged_ || powerUps != powerUps_) {
+            return;
+        }
+        QueueAck(ack);
+    }
+    ackOutbox_.Pump();
+}
+
+void Device::QueueAck(Ack ack)
+{
+    acks_.push_back(std::move(ack));
     while (acks_.size() > s_ackDepth) {
         acks_.pop_front();
     }
+}
+
+std::vector<std::byte> Device::TakeEvents()
+{
+    const std::lock_guard lock(mutex_);
+    std::vector<std::byte> packet = events_.TakePacket((registers_.Word(Reg::DeviceConfiguration) & 2) != 0);
+    if (!packet.empty() && badEvents_ != 0) {
+        --badEvents_;
+        packet.front() ^= std::byte{0xFF};
+    }
+    return packet;
 }
 
 std::vector<std::byte> Device::TakeAck()

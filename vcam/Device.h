@@ -3,11 +3,13 @@
 // lives. Its sources: Device.cpp (USB side and plug), PowerUp.cpp (initial registers), DeviceRegisters.cpp (what writes
 // mean), DeviceCommands.cpp (commands and user sets), DeviceFeatures.cpp (features that act), DeviceTriggers.cpp
 // (triggers, lines and timers), DevicePicture.cpp (settings of an image), DeviceSensor.cpp (acquisition),
-// DeviceStream.cpp (images on their way to the host).
+// DeviceStream.cpp (images on their way to the host), DeviceFaults.cpp (scripted faults).
 
+#include "vcam/Alarm.h"
 #include "vcam/ControlBlocks.h"
 #include "vcam/Description.h"
 #include "vcam/EventQueue.h"
+#include "vcam/FaultEngine.h"
 #include "vcam/GenCpServer.h"
 #include "vcam/Outbox.h"
 #include "vcam/Painter.h"
@@ -63,6 +65,16 @@ class Device final : public VirtualCamera, private GenCpMemory {
     struct Shot {
         std::uint64_t block, time;
         PictureSettings settings;
+        std::vector<FaultRule> faults{};
+    };
+    /// The acquisition and the endpoint's epoch that a frame on its way belongs to.
+    struct Sending {
+        std::uint64_t run, epoch;
+    };
+    /// How the host wants the payload cut.
+    struct Slots {
+        std::size_t size, count;
+        std::array<std::size_t, 2> finalSizes;
     };
     /// A trigger after its delay; the end is known when the trigger's level is gone.
     struct TriggerPulse {
@@ -76,7 +88,11 @@ class Device final : public VirtualCamera, private GenCpMemory {
     // Device.cpp
     UsbIdentity Describe() const;
     InEndpoint *In(Endpoint endpoint);
-    void QueueAcks(std::span<const std::byte> command, GenCpServer::Packet ack);
+    TransferStatus Execute(std::span<const std::byte> command);
+    void QueueAcks(std::span<const std::byte> command, GenCpServer::Packet ack, const std::vector<FaultRule> &faults);
+    void QueueAck(Ack ack);
+    void SendLate(const Ack &ack, std::uint64_t powerUps);
+    std::vector<std::byte> TakeEvents();
     std::vector<std::byte> TakeAck();
     void AckSent();
     void TellObserver();
@@ -133,6 +149,16 @@ class Device final : public VirtualCamera, private GenCpMemory {
     // PowerUp.cpp
     void PowerUp();
 
+    // DeviceFaults.cpp
+    bool MayArm() const;
+    void WrittenFaultArm(std::uint32_t value);
+    void AwaitFaultTime();
+    void ActOn(const std::vector<FaultRule> &rules);
+    void Poke(std::uint64_t address, std::uint32_t value);
+    std::vector<FaultRule> TakeFrameFaults(std::uint64_t block);
+    std::vector<FaultRule> TakeCommandFaults(std::span<const std::byte> command);
+    void Settle();
+
     // DevicePicture.cpp: what the next image depends on
     PictureSettings Settings() const;
     std::uint32_t Exposure() const;
@@ -153,7 +179,7 @@ class Device final : public VirtualCamera, private GenCpMemory {
     bool IsStreamEnabled() const { return (registers_.Word(Reg::SiControl) & 1) != 0; }
     bool HasFramesLeft() const { return !acquisition_.isLimited || acquisition_.framesLeft != 0; }
     bool IsRun(std::uint64_t run) const { return acquisition_.isActive && acquisition_.run == run && !isQuitting_; }
-    std::uint64_t BeginFrame();
+    void BeginFrame(Shot &shot);
     void TakeFrame(Lock &lock);
     bool Expose(Lock &lock, PictureSettings &settings);
 
@@ -165,7 +191,9 @@ class Device final : public VirtualCamera, private GenCpMemory {
     void ReadOut(Lock &lock);
     void LoseFrame(std::uint64_t block);
     bool SendFrame(Lock &lock, const Shot &shot);
-    bool SendMessage(std::uint64_t run, std::uint64_t epoch, Message message);
+    bool SendPayload(const Sending &sending, std::span<const std::byte> payload, const Slots &slots,
+                     std::optional<std::size_t> stallAt);
+    bool SendMessage(const Sending &sending, Message message);
     void MissFrame(Lock &lock);
 
     const CameraConfig config_;
@@ -211,6 +239,12 @@ class Device final : public VirtualCamera, private GenCpMemory {
     bool isFirstFrame_ = true;
     std::uint64_t nextBlock_ = 0;
     std::uint64_t dropped_ = 0;
+    FaultEngine faults_;
+    std::vector<FaultRule> nextFrame_, nextCommand_; // what rules of other moments do to them
+    std::uint32_t badEvents_ = 0;
+    bool isEventHaltDue_ = false;
+    std::optional<Clock::time_point> faultAlarm_;
+    std::uint64_t powerUps_ = 0;
 
     std::mutex observerMutex_;
     std::condition_variable observerIdle_;
@@ -222,6 +256,7 @@ class Device final : public VirtualCamera, private GenCpMemory {
     Outbox ackOutbox_, eventOutbox_;
     Painter painter_; // the sensor's thread alone
     std::thread sensor_;
+    Alarm alarm_;
 };
 
 } // namespace Orvi::Vcam

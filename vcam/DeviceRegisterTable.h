@@ -3,6 +3,7 @@
 
 #include "vcam/ControlBlocks.h"
 #include "vcam/EventQueue.h"
+#include "vcam/Faults.h"
 #include "vcam/Registers.h"
 
 namespace Orvi::Vcam {
@@ -75,6 +76,20 @@ inline constexpr DeviceRegister s_deviceRegisters[] = {
     {Reg::CommandDelay,        Rights::ReadWrite, 0,          0, 0xFFFFFFFF,       Locked::Never},
     {Reg::LastExposure,        Rights::Read,      0,          0, 0,                Locked::Never},
     {Reg::LostAcks,            Rights::ReadWrite, 0,          0, 0xFFFFFFFF,       Locked::Never},
+    {Reg::FaultMoment,         Rights::ReadWrite, 0,          0, 3,                Locked::Never},
+    {Reg::FaultAt,             Rights::ReadWrite, Reg::s_unset, 0, 0xFFFFFFFF,     Locked::Never},
+    {Reg::FaultEvery,          Rights::ReadWrite, 1,          1, 0xFFFFFFFF,       Locked::Never},
+    {Reg::FaultFrom,           Rights::ReadWrite, 0,          0, 0xFFFFFFFF,       Locked::Never},
+    {Reg::FaultProbability,    Rights::ReadWrite, 1000000,    0, 1000000,          Locked::Never},
+    {Reg::FaultTimes,          Rights::ReadWrite, 0,          0, 0xFFFFFFFF,       Locked::Never},
+    {Reg::FaultAddress,        Rights::ReadWrite, Reg::s_unset, 0, 0xFFFFFFFF,     Locked::Never},
+    {Reg::FaultValue,          Rights::ReadWrite, 0,          0, 0xFFFFFFFF,       Locked::Never},
+    {Reg::FaultMask,           Rights::ReadWrite, 0xFFFFFFFF, 0, 0xFFFFFFFF,       Locked::Never},
+    {Reg::FaultAction,         Rights::ReadWrite, 0,          0, static_cast<std::uint32_t>(FaultAction::Count) - 1, Locked::Never},
+    {Reg::FaultAmount,         Rights::ReadWrite, 0,          0, 0xFFFFFFFF,       Locked::Never},
+    {Reg::FaultTarget,         Rights::ReadWrite, 0,          0, 0xFFFFFFFF,       Locked::Never},
+    {Reg::FaultArm,            Rights::ReadWrite, 0,          0, 1,                Locked::Never},
+    {Reg::FaultsActed,         Rights::Read,      0,          0, 0,                Locked::Never},
 };
 // clang-format on
 

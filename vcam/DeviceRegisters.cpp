@@ -33,7 +33,7 @@ GenCpStatus Device::Write(std::uint64_t address, std::span<const std::byte> from
             return status;
         }
     }
-    FinishWrite();
+    Settle();
     return GenCpStatus::Success;
 }
 
@@ -57,6 +57,7 @@ GenCpStatus Device::WriteQuadlets(std::uint64_t address, std::span<const std::by
         const auto value = LoadLe<std::uint32_t>(from.data() + at);
         registers_.SetWord(address + at, value);
         Written(address + at, value);
+        ActOn(faults_.AtWrite(address + at, value));
     }
     return GenCpStatus::Success;
 }
@@ -93,6 +94,9 @@ GenCpStatus Device::CheckQuadlet(std::uint64_t address, std::uint32_t value) con
     const bool isFactory = address == Reg::UserSetSave && registers_.Word(Reg::UserSetSelector) == 0;
     if (isFactory) {
         return GenCpStatus::AccessDenied;
+    }
+    if (address == Reg::FaultArm && value != 0 && !MayArm()) {
+        return GenCpStatus::InvalidParameter;
     }
     const bool isInRange = value - row->minimum <= row->maximum - row->minimum; // whatever the sign
     const bool isKnown = (address != Reg::PixelFormat || IsOffered(FindPixelFormat(value))) &&
@@ -157,6 +161,9 @@ void Device::Written(std::uint64_t address, std::uint32_t value)
     case Reg::EventNotification:
         notifications_[registers_.Word(Reg::EventSelector)] = value != 0;
         break;
+    case Reg::FaultArm:
+        WrittenFaultArm(value);
+        break;
     case Reg::UnplugNow:
         isUnplugWritten_ = value != 0;
         break;
@@ -181,6 +188,7 @@ void Device::Refresh()
     registers_.SetWord(Reg::LineStatusOne, bit(lines));
     registers_.SetWord(Reg::LineModeOne, bit(registers_.Word(Block::LineMode + 0x10)));
     registers_.SetWord(Reg::LineInverterOne, bit(registers_.Word(Block::LineInverter + 0x10)));
+    registers_.SetWord(Reg::FaultsActed, faults_.Acted());
     registers_.SetWord(Block::ImageBufferCount + 0x1C, static_cast<std::uint32_t>(held_.size()));
 }
 
@@ -235,8 +243,7 @@ void Device::PokeRegister(std::uint64_t address, std::uint32_t value)
         Written(address, value);
         isUnplugRequested_ = isUnplugRequested_ || std::exchange(isUnplugWritten_, false);
     }
-    FinishWrite();
-    eventOutbox_.Pump();
+    Settle();
 }
 
 std::uint32_t Device::PeekRegister(std::uint64_t address) const

@@ -81,9 +81,9 @@ void Device::RaiseAt(EventKind kind, std::uint64_t block, std::uint64_t time)
 
 void Device::Announce(Lock &lock)
 {
-    if (std::exchange(hasEvents_, false)) {
+    if (std::exchange(hasEvents_, false) || isEventHaltDue_ || isStreamCut_ || isEventCut_) {
         lock.unlock();
-        eventOutbox_.Pump();
+        Settle();
         lock.lock();
     }
 }
@@ -154,7 +154,7 @@ bool Device::IsFrameDue(Lock &lock)
     return false;
 }
 
-std::uint64_t Device::BeginFrame()
+void Device::BeginFrame(Shot &shot)
 {
     const Clock::time_point now = Clock::now();
     const Clock::duration period = FramePeriod();
@@ -167,7 +167,8 @@ std::uint64_t Device::BeginFrame()
     }
     burstLeft_ -= burstLeft_ != 0 ? 1 : 0;
     shutterStep_ = (shutterStep_ + 1) % registers_.Word(Reg::ShutterTerminateAt);
-    return nextBlock_++;
+    shot.block = nextBlock_++;
+    shot.faults = TakeFrameFaults(shot.block);
 }
 
 void Device::TakeFrame(Lock &lock)
@@ -175,7 +176,10 @@ void Device::TakeFrame(Lock &lock)
     const std::uint64_t run = acquisition_.run;
     const bool isThrottled = IsThrottled();
     Shot shot{0, 0, Settings()};
-    shot.block = BeginFrame();
+    BeginFrame(shot);
+    if (isUnplugRequested_) {
+        return;
+    }
     isInFrame_ = isExposing_ = true;
     Raise(EventKind::FrameStart, shot.block);
     Raise(EventKind::ExposureStart, shot.block);

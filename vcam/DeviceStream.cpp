@@ -1,4 +1,5 @@
 #include "vcam/Device.h"
+#include "vcam/FramePlan.h"
 
 #include <algorithm>
 
@@ -50,26 +51,28 @@ void Device::LoseFrame(std::uint64_t block)
 
 bool Device::SendFrame(Lock &lock, const Shot &shot)
 {
-    const std::uint64_t run = acquisition_.run;
-    const std::uint64_t epoch = stream_.Epoch();
-    const auto word = [this](std::uint64_t address) { return std::size_t{registers_.Word(address)}; };
-    const std::size_t slotSize = word(Reg::SiTransferSize), slotCount = word(Reg::SiTransferCount);
-    const std::size_t finalSizes[] = {word(Reg::SiFinalTransfer1), word(Reg::SiFinalTransfer2)};
-    if (!IsStreamEnabled()) {
+    const PictureSettings &settings = shot.settings;
+    const FramePlan plan = PlanFrame(shot.block, settings.ImageBytes(), shot.faults);
+    if (!IsStreamEnabled() || plan.isLost) {
         return false;
     }
-    const PictureSettings &settings = shot.settings;
+    const auto word = [this](std::uint64_t address) { return std::size_t{registers_.Word(address)}; };
+    const Slots slots{word(Reg::SiTransferSize),
+                      word(Reg::SiTransferCount),
+                      {word(Reg::SiFinalTransfer1), word(Reg::SiFinalTransfer2)}};
+    const Sending sending{acquisition_.run, stream_.Epoch()};
     isInFrame_ = isTransferring_ = true;
     lock.unlock();
     const std::span image = painter_.Draw(settings, shot.block);
+    const std::size_t lineBytes = image.size() / settings.height;
     const std::uint16_t imageType = 1;
 
     std::array<std::byte, 52> leader{};
     FieldWriter(leader)
-        .Put(s_leaderPrefix)
+        .Put(plan.leaderPrefix)
         .Put(std::uint16_t{0})
         .Put(std::uint16_t{leader.size()})
-        .Put(shot.block)
+        .Put(plan.leaderId)
         .Put(std::uint16_t{0})
         .Put(imageType)
         .Put(shot.time)
@@ -82,47 +85,65 @@ bool Device::SendFrame(Lock &lock, const Shot &shot)
         .Put(std::uint16_t{0});
     std::array<std::byte, 32> trailer{};
     FieldWriter(trailer)
-        .Put(s_trailerPrefix)
+        .Put(plan.trailerPrefix)
         .Put(std::uint16_t{0})
         .Put(std::uint16_t{trailer.size()})
-        .Put(shot.block)
+        .Put(plan.trailerId)
+        .Put(plan.status)
         .Put(std::uint16_t{0})
-        .Put(std::uint16_t{0})
-        .Put(std::uint64_t{image.size()})
-        .Put(settings.height);
+        .Put(std::uint64_t{plan.valid})
+        .Put(static_cast<std::uint32_t>(plan.valid / lineBytes));
 
-    bool isSent = SendMessage(run, epoch, {.data = leader});
-    std::span rest = image;
-    // The payload fills slots from the front; only the last one used ends with a short packet.
-    for (std::size_t slot = 0; isSent && !rest.empty(); ++slot) {
-        const std::size_t size = slot < slotCount ? slotSize : finalSizes[std::min<std::size_t>(slot - slotCount, 1)];
-        const std::size_t part = std::min(size, rest.size());
-        if (part != 0) {
-            isSent = SendMessage(
-                run, epoch, {.data = rest.first(part), .ending = part == size ? Ending::Open : Ending::ZeroLength});
-            rest = rest.subspan(part);
-        }
+    if (plan.stallAt == 0U) {
+        stream_.SetHalt();
     }
-    isSent = isSent && SendMessage(run, epoch, {.data = trailer});
+    const bool isSent = (!plan.hasLeader || SendMessage(sending, {.data = leader})) &&
+                        SendPayload(sending, image.first(plan.sent), slots, plan.stallAt) &&
+                        (!plan.hasTrailer || SendMessage(sending, {.data = trailer}));
     lock.lock();
     isInFrame_ = isTransferring_ = false;
-    return isSent;
+    return isSent && !plan.IsNameless();
+}
+
+/// The payload fills slots from the front; only the last one used ends with a short packet.
+bool Device::SendPayload(const Sending &sending, std::span<const std::byte> payload, const Slots &slots,
+                         std::optional<std::size_t> stallAt)
+{
+    std::size_t sent = 0;
+    for (std::size_t slot = 0; sent != payload.size(); ++slot) {
+        const std::size_t size =
+            slot < slots.count ? slots.size : slots.finalSizes[std::min<std::size_t>(slot - slots.count, 1)];
+        const std::span part = payload.subspan(sent, std::min(size, payload.size() - sent));
+        if (stallAt && *stallAt >= sent && *stallAt < sent + part.size()) {
+            const std::span before = part.first(*stallAt - sent);
+            if (!before.empty() && !SendMessage(sending, {.data = before, .ending = Ending::Open})) {
+                return false;
+            }
+            stream_.SetHalt();
+        }
+        if (!part.empty() &&
+            !SendMessage(sending, {.data = part, .ending = part.size() == size ? Ending::Open : Ending::ZeroLength})) {
+            return false;
+        }
+        sent += part.size();
+    }
+    return true;
 }
 
 /// Called without the lock. False when the stream has been switched off or the endpoint cleared.
-bool Device::SendMessage(std::uint64_t run, std::uint64_t epoch, Message message)
+bool Device::SendMessage(const Sending &sending, Message message)
 {
-    while (!stream_.Send(message, epoch)) {
+    while (!stream_.Send(message, sending.epoch)) {
         Lock lock(mutex_);
         // An aborted acquisition still finishes the image that has begun: never half an image without its trailer.
         const bool isCut = isQuitting_ || isUnplugRequested_ || !isPlugged_ || !IsStreamEnabled();
-        if (isCut || stream_.Epoch() != epoch) {
+        if (isCut || stream_.Epoch() != sending.epoch) {
             return false;
         }
         if (stream_.HasTransfer()) {
             continue;
         }
-        const bool mayMiss = IsRun(run) && IsThrottled() && !acquisition_.isStopping && HasFramesLeft() &&
+        const bool mayMiss = IsRun(sending.run) && IsThrottled() && !acquisition_.isStopping && HasFramesLeft() &&
                              (!IsTriggered() || burstLeft_ != 0);
         if (!mayMiss) {
             wake_.wait(lock);
@@ -143,7 +164,8 @@ bool Device::SendMessage(std::uint64_t run, std::uint64_t epoch, Message message
 void Device::MissFrame(Lock &lock)
 {
     Shot shot{0, 0, Settings()};
-    const std::uint64_t block = shot.block = BeginFrame();
+    BeginFrame(shot);
+    const std::uint64_t block = shot.block;
     for (const EventKind kind : {EventKind::FrameStart, EventKind::ExposureStart, EventKind::ExposureEnd}) {
         Raise(kind, block);
     }

@@ -21,6 +21,7 @@ struct ActionRow {
 };
 
 constexpr std::int64_t s_anySize = std::int64_t{1} << 40, s_hour = 3600000;
+constexpr std::uint64_t s_yearLong = 31536000000; // ms
 
 // clang-format off
 constexpr MomentRow s_moments[] = {
@@ -108,6 +109,9 @@ FaultProblem ProblemOf(const FaultRule &rule)
     }
     if (isTime && !rule.at && rule.every == 1) {
         return {"at", "is missing: a time needs 'at' or 'every', in ms"};
+    }
+    if (isTime && std::max({rule.at.value_or(0), rule.every, rule.from}) > s_yearLong) {
+        return {rule.at ? "at" : rule.every > s_yearLong ? "every" : "from", "is more than a year"};
     }
     if (isWrite && !rule.address) {
         return {"address", "is missing: of which register?"};

@@ -19,6 +19,12 @@ void StoreHeader(std::span<std::byte> ack, std::uint16_t status, std::uint16_t i
         .Put(requestId);
 }
 
+/// An error carries no data; the answer to a single write still tells that nothing was written.
+constexpr std::size_t ErrorAckSize(std::uint16_t id)
+{
+    return s_genCpHeader + (id == static_cast<std::uint16_t>(GenCpCommand::WriteMem) ? 4 : 0);
+}
+
 } // namespace
 
 GenCpStatus GenCpServer::Read(std::span<const std::byte> entry, Packet &ack)
@@ -111,9 +117,7 @@ std::optional<GenCpServer::Packet> GenCpServer::Execute(std::span<const std::byt
         status = Dispatch(id, command.subspan(s_genCpHeader), ack);
     }
     if (status != GenCpStatus::Success) {
-        // An error carries no data; the answer to a single write still tells that nothing was written.
-        const bool isWrite = id == static_cast<std::uint16_t>(GenCpCommand::WriteMem);
-        ack.assign(s_genCpHeader + (isWrite ? 4 : 0), std::byte{0});
+        ack.assign(ErrorAckSize(id), std::byte{0});
     }
     StoreHeader(ack, static_cast<std::uint16_t>(status), static_cast<std::uint16_t>(id + 1), requestId);
     lastCommand_ = std::move(plain);
@@ -131,6 +135,22 @@ GenCpServer::Packet GenCpServer::PendingAck(std::span<const std::byte> command, 
                 LoadLe<std::uint16_t>(command.data() + 10));
     StoreLe(ack.data() + s_genCpHeader + 2, milliseconds);
     return ack;
+}
+
+GenCpServer::Packet GenCpServer::ErrorAck(std::span<const std::byte> command, std::uint16_t status)
+{
+    if (command.size() < s_genCpHeader) {
+        return {};
+    }
+    const auto id = LoadLe<std::uint16_t>(command.data() + 6);
+    Packet ack(ErrorAckSize(id));
+    StoreHeader(ack, status, static_cast<std::uint16_t>(id + 1), LoadLe<std::uint16_t>(command.data() + 10));
+    return ack;
+}
+
+void GenCpServer::ShiftRequestId(Packet &ack, std::uint16_t by)
+{
+    StoreLe(ack.data() + 10, static_cast<std::uint16_t>(LoadLe<std::uint16_t>(ack.data() + 10) + by));
 }
 
 } // namespace Orvi::Vcam

@@ -28,6 +28,9 @@ class GenCpServer {
     std::optional<Packet> Execute(std::span<const std::byte> command);
     /// PENDING_ACK for a command that has just been executed.
     static Packet PendingAck(std::span<const std::byte> command, std::uint16_t milliseconds);
+    /// A refusal of a command that is not carried out.
+    static Packet ErrorAck(std::span<const std::byte> command, std::uint16_t status);
+    static void ShiftRequestId(Packet &ack, std::uint16_t by);
     /// Forgets the last acknowledge.
     void Reset() { lastCommand_.clear(); }
 

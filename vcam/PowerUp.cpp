@@ -151,6 +151,12 @@ void Device::PowerUp()
     isControlOutHalted_ = false;
     isUnplugRequested_ = false;
     replugAt_.reset();
+    nextFrame_.clear();
+    nextCommand_.clear();
+    badEvents_ = 0;
+    isEventHaltDue_ = false;
+    faultAlarm_.reset();
+    ++powerUps_;
     poweredUp_ = Clock::now();
     acquisition_ = {};
     nextBlock_ = 0;
@@ -167,6 +173,8 @@ void Device::PowerUp()
     }
     registers_.SetWord(Reg::UserSetDefault, stored_.defaultUserSet);
     LoadUserSet(stored_.defaultUserSet);
+    faults_.Restart(poweredUp_);
+    AwaitFaultTime();
 }
 
 } // namespace Orvi::Vcam

@@ -131,8 +131,24 @@ constexpr std::uint64_t PendingAcks           = Virtual + 0x14; // commands that
 constexpr std::uint64_t LostAcks              = Virtual + 0x18; // commands that are carried out but not answered
 constexpr std::uint64_t CommandDelay          = Virtual + 0x1C; // ms until commands report done; s_never: not at all
 constexpr std::uint64_t LastExposure          = Virtual + 0x20; // of the last image, in us
-constexpr std::uint32_t VirtualSize           = 0x40;
 constexpr std::uint32_t s_never               = 0xFFFFFFFF;
+// A rule of Faults.h, one quadlet for each member
+constexpr std::uint64_t FaultMoment           = Virtual + 0x40;
+constexpr std::uint64_t FaultAt               = Virtual + 0x44; // s_unset: every, from and probability decide
+constexpr std::uint64_t FaultEvery            = Virtual + 0x48;
+constexpr std::uint64_t FaultFrom             = Virtual + 0x4C;
+constexpr std::uint64_t FaultProbability      = Virtual + 0x50; // in millionths
+constexpr std::uint64_t FaultTimes            = Virtual + 0x54;
+constexpr std::uint64_t FaultAddress          = Virtual + 0x58; // s_unset: any
+constexpr std::uint64_t FaultValue            = Virtual + 0x5C;
+constexpr std::uint64_t FaultMask             = Virtual + 0x60;
+constexpr std::uint64_t FaultAction           = Virtual + 0x64;
+constexpr std::uint64_t FaultAmount           = Virtual + 0x68;
+constexpr std::uint64_t FaultTarget           = Virtual + 0x6C;
+constexpr std::uint64_t FaultArm              = Virtual + 0x70; // 1: adds that rule, 0: removes all that were added
+constexpr std::uint64_t FaultsActed           = Virtual + 0x74; // rules that have acted since power-up
+constexpr std::uint32_t VirtualSize           = 0x100;
+constexpr std::uint32_t s_unset               = 0xFFFFFFFF;
 // clang-format on
 
 } // namespace Orvi::Vcam::Reg
