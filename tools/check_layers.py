@@ -40,6 +40,8 @@ LAYERS = [
     ("u3v api", "u3v/api/*", "u3v_parameters"),
     # the command line sees what applications see
     ("tools", "tools/*", "header"),
+    # the exporter is a USB host adapter like the transport's loopback: it knows the device, not the library
+    ("usbip", "tools/vcam-usbip/*", "vcam_interface"),
 ]
 FOLDERS = ["include", "src", "vcam", "u3v", "tools"]
 INCLUDE_ROOTS = ["include", "src", "."]

@@ -1,0 +1,129 @@
+#!/usr/bin/env python3
+"""Boots Debian's kernel in QEMU, plugs this build's virtual cameras into it and tries them from there.
+
+Usage: guest.py BUILD_FOLDER [STEP...]     STEPs of the table below; default: all of them.
+Needs neither root nor network nor KVM, only packages, which it keeps in BUILD_FOLDER/kernel-guest.
+"""
+
+import re
+import subprocess
+import sys
+import time
+from dataclasses import dataclass
+from pathlib import Path
+
+from image import Image
+from packages import Problem, decompress, extract_kernel, kernel_package, unpack
+
+HERE = Path(__file__).resolve().parent
+MODULES = ["common/usb-common", "core/usbcore", "usbip/usbip-core", "usbip/vhci-hcd"]
+GUEST_LIMIT = 420  # seconds; a guest that takes as long hangs
+
+
+@dataclass
+class Step:
+    name: str
+    what: str
+    limit: int  # seconds on a machine that is busy with other things
+    command: str
+
+
+STEPS = [
+    Step("attach", "two virtual cameras in the kernel's USB", 60,
+         "orvi-vcam-usbip --attach --cameras 2 >/tmp/exporter.log 2>&1 & "
+         "for i in $(seq 300); do [ $(grep -c plugged /tmp/exporter.log) = 2 ] && exit; sleep 0.1; done; "
+         "cat /tmp/exporter.log; dmesg | tail; exit 1"),
+    Step("aravis-discovery", "arv-tool finds both", 30,
+         "arv-tool-0.8 | tee /tmp/out; [ $(grep -c 'Orvi-Virtual Camera-VC00000[12]' /tmp/out) = 2 ]"),
+    Step("aravis-features", "arv-tool reads and sets features", 60,
+         "arv-tool-0.8 -n Orvi-VC000001 control Width=640 Height=480 PixelFormat=Mono8 ExposureTime Gain=6"),
+    Step("aravis-stream", "arv-camera-test, sync: 100 frames", 60,
+         "arv-camera-test-0.8 -n Orvi-VC000001 -s sync -w 640 -h 480 -f 20 --duration=8"),
+]
+
+
+def build_image(build, folder, steps):
+    sdk = build / "sdk"
+    print("== Packages", flush=True)
+    kernel = kernel_package()
+    packages = unpack([kernel, "udev", "busybox-static", "aravis-tools", "aravis-tools-cli"], folder / "packages")
+    vmlinux = folder / f"vmlinux-{packages[kernel].name}"
+    if not vmlinux.exists():
+        extract_kernel(next(packages[kernel].glob("boot/vmlinuz-*")), vmlinux)
+
+    image = Image(folder / "stripped")
+    image.add("init", HERE / "init")
+    image.add("bin/busybox", packages["busybox-static"] / "bin/busybox")
+    image.add_program("sbin/udevd", packages["udev"] / "bin/udevadm")
+    for module in MODULES:
+        path = next(packages[kernel].glob(f"lib/modules/*/kernel/drivers/usb/{module}.ko*"))
+        image.add_bytes(f"modules/{Path(module).name}.ko", decompress(path.read_bytes()))
+    for tool in ["arv-tool-0.8", "arv-camera-test-0.8"]:
+        where = next(p for p in packages.values() if (p / "usr/bin" / tool).exists())
+        image.add_program(f"bin/{tool}", where / "usr/bin" / tool)
+    for program in ["orvicam", "orvi-vcam-usbip"]:
+        image.add_program(f"sdk/bin/{program}", sdk / "bin" / program)
+    for library in ["libOrviCamApi_64.so.1", "libOrviU3vCamApi_64.so"]:
+        image.add_program(f"sdk/lib/{library}", sdk / "lib" / library)
+    image.add_bytes("limit", b"%d\n" % GUEST_LIMIT)
+    image.add_bytes("steps", "".join(f"{s.limit} {s.name} {s.command}\n" for s in steps).encode())
+    initrd = folder / "initrd"
+    image.write(initrd)
+    return vmlinux, initrd
+
+
+def boot(vmlinux, initrd):
+    """The guest's lines as they come, then its exit code."""
+    command = ["qemu-system-x86_64", "-M", "q35", "-accel", "tcg,thread=multi", "-cpu", "qemu64", "-smp", "2",
+               "-m", "768", "-nodefaults", "-no-reboot", "-display", "none", "-net", "none", "-serial", "stdio",
+               "-device", "isa-debug-exit,iobase=0x501,iosize=1",
+               "-kernel", vmlinux, "-initrd", initrd, "-append", "console=ttyS0 quiet panic=-1"]
+    with subprocess.Popen(["timeout", "-k", "5", str(GUEST_LIMIT + 30), *command], stdin=subprocess.DEVNULL,
+                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT) as qemu:
+        for line in qemu.stdout:
+            yield line.decode(errors="replace").rstrip()
+        yield qemu.wait()
+
+
+def main():
+    build, wanted = Path(sys.argv[1]).resolve(), sys.argv[2:]
+    steps = [s for s in STEPS if not wanted or s.name in wanted or s.name == "attach"]
+    folder = build / "kernel-guest"
+    try:
+        vmlinux, initrd = build_image(build, folder, steps)
+    except (Problem, OSError) as problem:
+        print(f"guest.py: {problem}", file=sys.stderr)
+        return 1
+
+    print(f"== Guest: {vmlinux.name}, {initrd.stat().st_size >> 20} MB", flush=True)
+    results, output, code = {}, [], None
+    with open(folder / "console.log", "w", encoding="utf-8") as log:
+        for line in boot(vmlinux, initrd):
+            if isinstance(line, int):
+                code = line
+                break
+            log.write(line + "\n")
+            if begun := re.match(r"@@ begin (\S+)", line):
+                output = []
+                print(f"-- {begun[1]}", flush=True)
+            elif ended := re.match(r"@@ end (\S+) (\d+) (\S+) (\S+)", line):
+                results[ended[1]] = (int(ended[2]), float(ended[4]) - float(ended[3]))
+                if ended[2] != "0":
+                    print("\n".join(output))
+            else:
+                output.append(line)
+    good = code == 1 and all(results.get(s.name, (1,))[0] == 0 for s in steps)
+    print("== Result")
+    for step in steps:
+        status, seconds = results.get(step.name, (None, 0))
+        text = {None: "not run", 0: "ok", 124: "TIMEOUT"}.get(status, f"FAILED ({status})")
+        print(f"{text:12} {seconds:6.1f} s  {step.name:18} {step.what}")
+    print(f"The console is in {folder / 'console.log'}.")
+    if not good:
+        print(f"guest.py: the guest's verdict is {code} instead of 1" if code != 1 else "guest.py: a step failed",
+              file=sys.stderr)
+    return 0 if good else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,66 @@
+#include "Attachment.h"
+
+#include <chrono>
+
+namespace Orvi::UsbIp {
+
+Attachment::Attachment(std::shared_ptr<Vcam::VirtualCamera> camera, unsigned deviceId, const Vhci &vhci,
+                       std::function<void()> onEnd)
+    : camera_(std::move(camera)), deviceId_(deviceId), vhci_(vhci), onEnd_(std::move(onEnd))
+{
+    if (!camera_.Reserve())
+        throw std::runtime_error("the camera " + camera_.Identity().serial + " is unplugged");
+    Vhci::Plug plug = vhci_.Attach(camera_.Identity().speed, deviceId_);
+    port_ = plug.port;
+    thread_ = std::thread([this, first = std::move(plug)]() mutable { Run(std::move(first)); });
+}
+
+Attachment::~Attachment()
+{
+    camera_.Stop();
+    thread_.join();
+    // The kernel tidies up on its own; who starts this program anew at once finds the port free.
+    for (int i = 0; i < 200 && !hasFailed_; ++i) {
+        try {
+            if (vhci_.IsFree(port_))
+                return;
+        } catch (const std::exception &) {
+            return; // the controller was removed
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+}
+
+void Attachment::Run(Vhci::Plug plug)
+{
+    try {
+        while (ServeOnce(std::move(plug)) && camera_.AwaitReplug())
+            plug = vhci_.Attach(camera_.Identity().speed, deviceId_);
+    } catch (const std::exception &fault) {
+        Complain(camera_.Identity().serial + ": " + fault.what());
+        hasFailed_ = true;
+    }
+    onEnd_();
+}
+
+/// Answers whether the camera may come back.
+bool Attachment::ServeOnce(Vhci::Plug plug)
+{
+    port_ = plug.port;
+    const auto say = [this](const std::string &what) { Say(camera_.Identity(), what); };
+    const std::string where = "port " + std::to_string(plug.port);
+    switch (camera_.Serve(std::move(plug.socket), [&] { say("plugged into " + where); })) {
+    case Session::End::HostLeft:
+        say("detached from " + where + " by the kernel");
+        return false;
+    case Session::End::DeviceGone:
+        say("unplugged from " + where);
+        return true;
+    case Session::End::Stopped:
+        break;
+    }
+    say("pulled out of " + where);
+    return false;
+}
+
+} // namespace Orvi::UsbIp

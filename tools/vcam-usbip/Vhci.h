@@ -1,0 +1,48 @@
+#pragma once
+// The kernel's virtual USB host controller, vhci_hcd: its ports and how to plug a device into one.
+
+#include "Socket.h"
+#include "vcam/UsbFunction.h"
+
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace Orvi::UsbIp {
+
+/// Why the kernel takes no device; the program's exit codes tell them apart.
+class NoController : public std::runtime_error {
+    using runtime_error::runtime_error;
+};
+class NotPermitted : public std::runtime_error {
+    using runtime_error::runtime_error;
+};
+
+class Vhci {
+  public:
+    explicit Vhci(std::filesystem::path folder = "/sys/devices/platform/vhci_hcd.0") : folder_(std::move(folder)) {}
+
+    struct Plug {
+        unsigned port;
+        Socket socket; ///< the device's end of the connection
+    };
+    /// Plugs a device into the first free port of its speed. The kernel begins to talk to it at once. Throws
+    /// NoController, NotPermitted or std::runtime_error.
+    Plug Attach(Vcam::LinkSpeed speed, unsigned deviceId) const;
+
+    /// Whether the kernel is done with what was plugged there.
+    bool IsFree(unsigned port) const;
+
+  private:
+    struct Port {
+        std::string hub;
+        unsigned number, state;
+    };
+    std::vector<Port> Ports() const;
+    bool TryAttach(const Port &port, int descriptor, unsigned deviceId, unsigned speed) const;
+
+    std::filesystem::path folder_;
+};
+
+} // namespace Orvi::UsbIp
