@@ -33,8 +33,10 @@ STEPS = [
          "orvi-vcam-usbip --attach --cameras 2 >/tmp/exporter.log 2>&1 & "
          "for i in $(seq 300); do [ $(grep -c plugged /tmp/exporter.log) = 2 ] && exit; sleep 0.1; done; "
          "cat /tmp/exporter.log; dmesg | tail; exit 1"),
+    Step("orvicam", "our command line", 60,
+         "export ORVI_TRANSPORT=usb; orvicam list && orvicam info && orvicam -c VC000001 grab -n 3 -o /tmp/grab && ls -l /tmp/grab"),
     Step("aravis-discovery", "arv-tool finds both", 30,
-         "arv-tool-0.8 | tee /tmp/out; [ $(grep -c 'Orvi-Virtual Camera-VC00000[12]' /tmp/out) = 2 ]"),
+         "arv-tool-0.8 | tee /tmp/out; [ $(grep -c 'Orvi-ORVIVC00000[12]-VC00000[12]' /tmp/out) = 2 ]"),
     Step("aravis-features", "arv-tool reads and sets features", 60,
          "arv-tool-0.8 -n Orvi-VC000001 control Width=640 Height=480 PixelFormat=Mono8 ExposureTime Gain=6"),
     Step("aravis-stream", "arv-camera-test, sync: 100 frames", 60,
