@@ -36,8 +36,9 @@ LAYERS = [
     ("u3v genapi", "u3v/genapi/*", "u3v_core"),
     ("u3v usb", "u3v/usb/*", "u3v_core vcam_interface"),
     ("u3v protocol", "u3v/protocol/*", "u3v_genapi u3v_usb"),
+    ("u3v emulation", "u3v/emulation/*", "u3v_protocol"),
     ("u3v parameters", "u3v/parameters/*", "u3v_protocol"),
-    ("u3v api", "u3v/api/*", "u3v_parameters"),
+    ("u3v api", "u3v/api/*", "u3v_parameters u3v_emulation"),
     # the command line sees what applications see
     ("tools", "tools/*", "header"),
     # the exporter is a USB host adapter like the transport's loopback: it knows the device, not the library

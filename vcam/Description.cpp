@@ -47,11 +47,10 @@ std::string KeepEntries(std::string xml, std::string_view enumeration, std::span
     return xml;
 }
 
-std::shared_ptr<const StoredDescription> OwnDescription(std::span<const std::uint32_t> pixelFormats)
+std::string OwnXml(std::span<const std::uint32_t> pixelFormats)
 {
     if (pixelFormats.empty()) {
-        static const std::shared_ptr<const StoredDescription> s_whole = StoreDescription(DescriptionXml());
-        return s_whole;
+        return std::string(DescriptionXml());
     }
     std::vector<std::uint32_t> codings, sizes;
     for (const std::uint32_t code : pixelFormats) {
@@ -62,7 +61,16 @@ std::shared_ptr<const StoredDescription> OwnDescription(std::span<const std::uin
     }
     std::string xml = KeepEntries(std::string(DescriptionXml()), "PixelFormat", pixelFormats);
     xml = KeepEntries(std::move(xml), "PixelCoding", codings);
-    return StoreDescription(KeepEntries(std::move(xml), "PixelSize", sizes));
+    return KeepEntries(std::move(xml), "PixelSize", sizes);
+}
+
+std::shared_ptr<const StoredDescription> OwnDescription(std::span<const std::uint32_t> pixelFormats)
+{
+    if (pixelFormats.empty()) {
+        static const std::shared_ptr<const StoredDescription> s_whole = StoreDescription(DescriptionXml());
+        return s_whole;
+    }
+    return StoreDescription(OwnXml(pixelFormats));
 }
 
 } // namespace Orvi::Vcam

@@ -22,8 +22,9 @@ struct StoredDescription {
 };
 std::shared_ptr<const StoredDescription> StoreDescription(std::string_view xml);
 
-/// The camera's own description, made once when all formats are offered (an empty list); else without the entries that
-/// belong to others.
+/// The camera's own description without the entries of pixel formats that it does not offer; an empty list offers all.
+std::string OwnXml(std::span<const std::uint32_t> pixelFormats);
+/// The same, made once when all formats are offered.
 std::shared_ptr<const StoredDescription> OwnDescription(std::span<const std::uint32_t> pixelFormats);
 
 /// An XML description without those entries of its enumeration that have none of the values.

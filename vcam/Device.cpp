@@ -48,7 +48,8 @@ std::shared_ptr<VirtualCamera> VirtualCamera::Create(const CameraConfig &config)
 
 Device::Device(const CameraConfig &config)
     : config_(config),
-      description_(OwnDescription(config.pixelFormats)),
+      front_(MakeFront(config, *this)),
+      description_(front_ ? StoreDescription(front_->Xml()) : OwnDescription(config.pixelFormats)),
       stored_{config.userDefinedName, 0, {}},
       faults_(config.faults),
       control_(PacketSize(config.speed), [this] { ackOutbox_.Pump(); }),
@@ -70,6 +71,9 @@ Device::Device(const CameraConfig &config)
         // The file is told against the factory's set, which the first power-up has made.
         LoadState(config_.stateFile, config_.serial, stored_);
         PowerUp();
+    }
+    if (front_) {
+        front_->PowerUp();
     }
     sensor_ = std::thread([this] { RunSensor(); });
 }
@@ -345,11 +349,17 @@ void Device::Plug()
     const std::lock_guard plug(plugMutex_);
     {
         const std::lock_guard command(controlMutex_);
-        const std::lock_guard lock(mutex_);
-        if (isPlugged_) {
-            return;
+        {
+            const std::lock_guard lock(mutex_);
+            if (isPlugged_) {
+                return;
+            }
+            PowerUp();
         }
-        PowerUp();
+        if (front_) {
+            front_->PowerUp();
+        }
+        const std::lock_guard lock(mutex_);
         for (InEndpoint *endpoint : {&control_, &event_, &stream_}) {
             endpoint->SetGone(false);
         }

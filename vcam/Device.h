@@ -10,6 +10,7 @@
 #include "vcam/Description.h"
 #include "vcam/EventQueue.h"
 #include "vcam/FaultEngine.h"
+#include "vcam/Front.h"
 #include "vcam/GenCpServer.h"
 #include "vcam/Outbox.h"
 #include "vcam/Painter.h"
@@ -197,12 +198,13 @@ class Device final : public VirtualCamera, private GenCpMemory {
     void MissFrame(Lock &lock);
 
     const CameraConfig config_;
+    const std::unique_ptr<Front> front_; // between the host and the registers; null for the camera's own map
     const std::shared_ptr<const StoredDescription> description_;
 
     std::mutex plugMutex_;    // one plug or unplug at a time
     std::mutex controlMutex_; // one command at a time
     std::mutex stateMutex_;   // one writer of the state file
-    GenCpServer server_{*this};
+    GenCpServer server_{front_ ? static_cast<GenCpMemory &>(*front_) : *this};
 
     mutable std::mutex mutex_; // all below, as far as it has no lock of its own
     std::condition_variable wake_;

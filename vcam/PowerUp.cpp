@@ -49,13 +49,14 @@ void LoadAbrm(RegisterSpace &space, const UsbIdentity &identity)
     space.SetWord(Reg::ImplementationEndianness, 0xFFFFFFFF);
 }
 
-void LoadSbrm(RegisterSpace &space, LinkSpeed speed)
+void LoadSbrm(RegisterSpace &space, LinkSpeed speed, bool hasControlRegisters)
 {
     space.AddRegion(Reg::Sbrm, Reg::SbrmSize, Rights::Read);
     FieldWriter(space.Bytes(Reg::Sbrm, Reg::SbrmSize))
         .Put(std::uint32_t{0x00010000}) // U3V version 1.0
-        .Put(std::uint64_t{0x7})        // stream, event and control-register interfaces
-        .Put(std::uint64_t{0})          // configuration
+        // Stream, event and control-register interfaces.
+        .Put(std::uint64_t{hasControlRegisters ? 0x7u : 0x3u})
+        .Put(std::uint64_t{0}) // configuration
         .Put(static_cast<std::uint32_t>(s_maxCommand))
         .Put(static_cast<std::uint32_t>(s_maxAck))
         .Put(std::uint32_t{1}) // stream channels
@@ -63,7 +64,7 @@ void LoadSbrm(RegisterSpace &space, LinkSpeed speed)
         .Put(Reg::SirmSize)
         .Put(Reg::Eirm)
         .Put(Reg::EirmSize)
-        .Put(Reg::Control)
+        .Put(hasControlRegisters ? Reg::Control : std::uint64_t{0})
         .Put(static_cast<std::uint32_t>(speed));
 }
 
@@ -133,7 +134,7 @@ void Device::PowerUp()
     const UsbIdentity identity = Describe();
     registers_ = RegisterSpace();
     LoadAbrm(registers_, identity);
-    LoadSbrm(registers_, config_.speedRegister.value_or(config_.speed));
+    LoadSbrm(registers_, config_.speedRegister.value_or(config_.speed), front_ == nullptr);
     LoadSirm(registers_);
     LoadEirm(registers_);
     LoadManifest(registers_, *description_);

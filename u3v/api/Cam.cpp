@@ -2,6 +2,7 @@
 
 #include "transport/TransportInterface.h"
 #include "u3v/api/ApiCall.h"
+#include "u3v/emulation/RegisterEmulation.h"
 #include "u3v/parameters/Parameters.h"
 #include "u3v/protocol/CameraRegistry.h"
 
@@ -46,6 +47,7 @@ CAM_API_STATUS UC_Cam_Open(uint32_t uiDevNum, void *pvRemovalSignal, CAM_HANDLE 
         Camera::Options options;
         options.removalSignal = pvRemovalSignal;
         options.useGenICam = bUseGenICam;
+        options.makeOverlay = MakeRegisterEmulation;
         if (pvXmlFile != nullptr)
             options.xmlFile = static_cast<const char *>(pvXmlFile);
         const CameraRegistry::Opened opened = CameraRegistry::Instance().Open(uiDevNum, options);

@@ -8,6 +8,8 @@ namespace {
 /// False when the camera has no acquisition command register.
 bool WriteCommand(Camera &camera, std::uint32_t command)
 {
+    if (camera.HasOverlay())
+        return false;
     try {
         WriteRegister(camera.Control(), 0, ControlRegister::acquisitionCommand, command);
         return true;

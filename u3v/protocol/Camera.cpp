@@ -66,6 +66,8 @@ Camera::Camera(std::unique_ptr<UsbLink> link, const Options &options)
     map_ = BootstrapMap::Read(control_);
     if (options.useGenICam)
         LoadNodes(options);
+    if (options.makeOverlay != nullptr)
+        overlay_ = options.makeOverlay(*this);
     link_->SetGoneListener(this);
     LogDevice(CAM_LOG_LEVEL_INFO, "opened %s %s", link_->Identity().model.c_str(), link_->Identity().serial.c_str());
 }
@@ -128,12 +130,15 @@ GenCp &Camera::Control()
 void Camera::ReadQuadlets(std::uint64_t address, std::span<std::uint32_t> words)
 {
     RequireAligned(address);
-    Control().Read(address, std::as_writable_bytes(words));
+    if (overlay_ == nullptr || !overlay_->Read(address, words))
+        Control().Read(address, std::as_writable_bytes(words));
 }
 
 void Camera::WriteQuadlets(std::uint64_t address, std::span<const std::uint32_t> words)
 {
     RequireAligned(address);
+    if (overlay_ != nullptr && overlay_->Write(address, words))
+        return;
     Control().Write(address, std::as_bytes(words));
     ForgetCached();
 }

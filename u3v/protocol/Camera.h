@@ -36,12 +36,26 @@ enum class InfoItem : std::uint32_t {
     MaxTransferSize,
 };
 
+class Camera;
+
+/// Registers that stand in for some that the camera lacks.
+class RegisterOverlay {
+  public:
+    virtual ~RegisterOverlay() = default;
+
+    // Fill or take all words, or throw; false when the address is not theirs. Called from any thread.
+    virtual bool Read(std::uint64_t address, std::span<std::uint32_t> words) = 0;
+    virtual bool Write(std::uint64_t address, std::span<const std::uint32_t> words) = 0;
+};
+
 class Camera final : private UsbLink::GoneListener {
   public:
     struct Options {
         void *removalSignal = nullptr; ///< set when the camera is unplugged
         bool useGenICam = true;
         std::string xmlFile; ///< used instead of the camera's own description when not empty
+        /// Asked once, at the end of opening, whether the camera needs registers; may give null.
+        std::unique_ptr<RegisterOverlay> (*makeOverlay)(Camera &) = nullptr;
     };
 
     /// A stream or event channel of the camera. Its functions are called from any thread.
@@ -74,6 +88,9 @@ class Camera final : private UsbLink::GoneListener {
     /// What the nodes remember of the camera is out of date: something has changed it past them.
     void ForgetCached();
 
+    /// Whether registers of the map are not the camera's own.
+    bool HasOverlay() const { return overlay_ != nullptr; }
+    // Reach the overlay first, where there is one.
     void ReadQuadlets(std::uint64_t address, std::span<std::uint32_t> words);
     void WriteQuadlets(std::uint64_t address, std::span<const std::uint32_t> words);
 
@@ -109,6 +126,7 @@ class Camera final : private UsbLink::GoneListener {
     std::optional<std::string> xml_;
     std::unique_ptr<GenApi::Port> port_;
     std::unique_ptr<GenApi::NodeMap> nodes_;
+    std::unique_ptr<RegisterOverlay> overlay_;
 
     struct Slot {
         Channel *channel = nullptr;
