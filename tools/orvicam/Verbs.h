@@ -36,6 +36,8 @@ struct Options {
 
     std::string file; ///< of save and load
     bool defectivePixels = false;
+
+    std::string root = "/"; ///< of doctor: where /sys, /dev and /etc are looked for
 };
 
 void List(const Options &options);
@@ -49,5 +51,6 @@ void Values(const Options &options);
 void Describe(const Options &options);
 void Save(const Options &options);
 void Load(const Options &options);
+void Doctor(const Options &options);
 
 } // namespace Orvi::Tool

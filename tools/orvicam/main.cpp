@@ -60,6 +60,9 @@ void AddFeatureVerbs(const Adder &add, Options &options)
     add("list", "list the attached cameras (the default)", List);
     add("info", "who the cameras are, and the versions in use", Info);
 
+    CLI::App *doctor = add("doctor", "check this machine: permissions, USB, library; and say what to do", Doctor);
+    doctor->add_option("--root", options.root)->group(""); // for tests: not shown
+
     CLI::App *get = add("get", "read features", Get);
     get->add_option("feature", options.features, "names, e.g. Width ExposureTime")
         ->required()
