@@ -36,6 +36,7 @@ class ScriptedLink final : public U3v::UsbLink {
     }
     void SetHalt(U3v::Pipe) override {}
     void ClearHalt(U3v::Pipe) override {}
+    U3v::TransferStatus Reset() override { return U3v::TransferStatus::Completed; }
     bool IsGone() const override { return false; }
     void Close() override {}
     void SetGoneListener(GoneListener *) override {}

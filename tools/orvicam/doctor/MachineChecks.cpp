@@ -79,7 +79,8 @@ Findings CheckHolders(const UsbCamera &camera)
     const std::string check = "driver of " + camera.Name();
     for (const std::string &driver : camera.drivers) {
         const std::size_t end = driver.find(' ');
-        findings.push_back({Verdict::Fail, check, "the kernel driver " + driver + " holds the camera",
+        findings.push_back({Verdict::Warn, check,
+                            "the kernel driver " + driver + " holds the camera; the library takes it over where it can",
                             "echo " + driver.substr(driver.rfind(' ') + 1) + " | sudo tee /sys/bus/usb/drivers/" +
                                 driver.substr(0, end) + "/unbind"});
     }
