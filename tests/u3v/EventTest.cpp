@@ -1,9 +1,9 @@
 #include "tests/u3v/FakeDevice.h"
+#include "tests/u3v/MakeLink.h"
 #include "tests/u3v/TestSignal.h"
 #include "u3v/core/Log.h"
 #include "u3v/protocol/EventChannel.h"
 #include "u3v/protocol/Wire.h"
-#include "u3v/usb/LoopbackLink.h"
 
 #include <gtest/gtest.h>
 
@@ -23,7 +23,7 @@ class EventTest : public testing::Test {
   protected:
     EventTest()
     {
-        camera = std::make_shared<Camera>(std::make_unique<LoopbackLink>(device), Camera::Options{nullptr, false, ""});
+        camera = std::make_shared<Camera>(MakeLink(device), Camera::Options{nullptr, false, ""});
     }
 
     void Open(std::uint32_t ownBuffers)

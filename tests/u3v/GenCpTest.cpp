@@ -1,7 +1,7 @@
 #include "u3v/protocol/GenCp.h"
 #include "tests/u3v/FakeDevice.h"
+#include "tests/u3v/MakeLink.h"
 #include "u3v/core/Status.h"
-#include "u3v/usb/LoopbackLink.h"
 
 #include <gtest/gtest.h>
 
@@ -37,7 +37,8 @@ class GenCpTest : public testing::Test {
 
     static constexpr std::uint64_t base = 0x100000;
     std::shared_ptr<FakeDevice> device = std::make_shared<FakeDevice>();
-    U3v::LoopbackLink link{device};
+    const std::unique_ptr<U3v::UsbLink> opened = MakeLink(device);
+    U3v::UsbLink &link = *opened;
     GenCp control{link};
 };
 

@@ -1,7 +1,7 @@
 #include "u3v/protocol/SimpleRing.h"
 #include "tests/u3v/FakeDevice.h"
+#include "tests/u3v/MakeLink.h"
 #include "tests/u3v/TestSignal.h"
-#include "u3v/usb/LoopbackLink.h"
 
 #include <gtest/gtest.h>
 
@@ -25,7 +25,7 @@ class SimpleRingTest : public testing::Test {
     SimpleRingTest()
     {
         device->SetPayload(payload);
-        camera = std::make_shared<Camera>(std::make_unique<LoopbackLink>(device), Camera::Options{nullptr, false, ""});
+        camera = std::make_shared<Camera>(MakeLink(device), Camera::Options{nullptr, false, ""});
         ring = std::make_unique<SimpleRing>(camera, signal.Handle(), SimpleRing::Sizes{payload, 65536, 3, 5});
         ring->SetHandle(42);
         for (const auto what : {SimpleRing::On::Acquired, SimpleRing::On::Error, SimpleRing::On::Lost}) {

@@ -1,7 +1,7 @@
 #include "tests/u3v/FakeDevice.h"
+#include "tests/u3v/MakeLink.h"
 #include "tests/u3v/TestSignal.h"
 #include "u3v/protocol/RequestStream.h"
-#include "u3v/usb/LoopbackLink.h"
 
 #include <gtest/gtest.h>
 
@@ -24,7 +24,7 @@ class StreamTest : public testing::Test {
         device->SetPayload(payload);
         std::iota(reinterpret_cast<unsigned char *>(image.data()),
                   reinterpret_cast<unsigned char *>(image.data()) + image.size(), static_cast<unsigned char>(3));
-        camera = std::make_shared<Camera>(std::make_unique<LoopbackLink>(device), Camera::Options{nullptr, false, ""});
+        camera = std::make_shared<Camera>(MakeLink(device), Camera::Options{nullptr, false, ""});
         stream = std::make_unique<RequestStream>(camera, signal.Handle(), transferSize);
     }
 
