@@ -2,6 +2,7 @@
 
 #include "transport/TransportInterface.h"
 #include "u3v/api/ApiCall.h"
+#include "u3v/core/Log.h"
 #include "u3v/emulation/RegisterEmulation.h"
 #include "u3v/parameters/Parameters.h"
 #include "u3v/protocol/CameraRegistry.h"
@@ -19,6 +20,18 @@ Pipe PipeOf(uint32_t flag)
     if (flag > CAM_PIPE_STREAM)
         throw StatusError(CAM_API_STS_INVALID_PARAMETER, "no such pipe");
     return static_cast<Pipe>(flag);
+}
+
+// Why a camera cannot be opened is told in words as well: few statuses say what to do.
+CameraRegistry::Opened OpenCamera(uint32_t number, const Camera::Options &options)
+{
+    try {
+        return CameraRegistry::Instance().Open(number, options);
+    } catch (const StatusError &error) {
+        LogDevice(CAM_LOG_LEVEL_ERROR, "opening: %s", error.what());
+        SetLastGenICamError(error.what());
+        throw;
+    }
 }
 
 } // namespace
@@ -50,7 +63,7 @@ CAM_API_STATUS UC_Cam_Open(uint32_t uiDevNum, void *pvRemovalSignal, CAM_HANDLE 
         options.makeOverlay = MakeRegisterEmulation;
         if (pvXmlFile != nullptr)
             options.xmlFile = static_cast<const char *>(pvXmlFile);
-        const CameraRegistry::Opened opened = CameraRegistry::Instance().Open(uiDevNum, options);
+        const CameraRegistry::Opened opened = OpenCamera(uiDevNum, options);
         *phCam = opened.handle;
         if (opened.wasOpen)
             throw StatusError(CAM_API_STS_ALREADY_OPENED, "the camera is open");

@@ -151,6 +151,8 @@ void Camera::ForgetCached()
 
 std::string Camera::Text(InfoItem item)
 {
+    if (item == InfoItem::Problem)
+        return {};
     const TextRow &row = RowOf(item);
     if (row.capability != 0 && (map_.abrmCapability & row.capability) == 0)
         return {};
@@ -169,7 +171,10 @@ std::uint32_t Camera::Number(InfoItem item) const
     }
 }
 
-std::string TextOf(const DeviceIdentity &identity, InfoItem item) { return identity.*RowOf(item).text; }
+std::string TextOf(const DeviceIdentity &identity, InfoItem item)
+{
+    return item == InfoItem::Problem ? identity.problem : identity.*RowOf(item).text;
+}
 
 std::uint32_t NumberOf(const DeviceIdentity &identity, InfoItem item)
 {
@@ -196,14 +201,22 @@ void Camera::AbortPipe(Pipe pipe)
 
 void Camera::ResetPipe(Pipe pipe)
 {
-    Control();
-    if (!WithChannel(pipe, [](Channel &channel) { channel.Reset(); }))
+    GenCp &control = Control();
+    if (pipe == Pipe::Control)
+        control.Reset();
+    else if (!WithChannel(pipe, [](Channel &channel) { channel.Reset(); }))
         link_->ClearHalt(pipe);
 }
 
 void Camera::Reset()
 {
     Control().Abort();
+    WithChannel(Pipe::Stream, [](Channel &channel) { channel.Reset(); });
+    const TransferStatus status = link_->Reset();
+    if (status != TransferStatus::Completed)
+        throw StatusError(CAM_API_STS_CAMERA_NOT_RESPONDING,
+                          "camera " + link_->Identity().serial + ": resetting its port: " + Name(status));
+    ForgetCached();
     for (const Pipe pipe : {Pipe::Stream, Pipe::Event, Pipe::Control})
         ResetPipe(pipe);
 }

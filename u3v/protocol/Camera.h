@@ -31,6 +31,7 @@ enum class InfoItem : std::uint32_t {
     ManufacturerInfo,
     Serial,
     UserDefinedName,
+    Problem, ///< why a camera that was found cannot be opened, and what to do about it; else empty
     LinkSpeed = 0x1012,
     U3vVersion,
     MaxTransferSize,

@@ -51,11 +51,8 @@ EventChannel::EventChannel(std::shared_ptr<Camera> camera, void *signal, std::si
         for (Transfer &transfer : transfers_) {
             transfer.buffer.resize(transferSize);
             transfer.in = link_.NewTransfer(Pipe::Event, *this);
-            {
-                std::lock_guard lock(mutex_);
-                ++pending_;
-            }
-            transfer.in->Submit(transfer.buffer);
+            std::unique_lock lock(mutex_);
+            Submit(lock, *transfer.in, transfer.buffer);
         }
         WriteRegister(control, eirm, Eirm::control, 1U);
     } catch (...) {
@@ -205,17 +202,22 @@ void EventChannel::OnCameraClose()
 
 void EventChannel::Reset()
 {
-    link_.ClearHalt(Pipe::Event);
-    std::lock_guard lock(mutex_);
-    failures_ = 0;
+    std::unique_lock lock(mutex_);
+    wantsReset_ = true;
     wake_.notify_all();
+    wake_.wait(lock, [this] { return !wantsReset_ || IsEnding(); });
 }
 
 void EventChannel::Run()
 {
     std::unique_lock lock(mutex_);
     while (!isClosing_) {
-        if (!done_.empty()) {
+        if (wantsReset_ && !IsEnding()) {
+            failures_ = 0;
+            ClearEndpoint(lock);
+            wantsReset_ = false;
+            wake_.notify_all();
+        } else if (!done_.empty()) {
             BulkIn &transfer = *done_.front();
             done_.pop_front();
             HandleTransfer(lock, transfer);
@@ -246,20 +248,50 @@ void EventChannel::HandleTransfer(std::unique_lock<std::mutex> &lock, BulkIn &tr
         lock.lock();
     } else {
         // A camera that halts the endpoint again and again gets ever longer pauses.
-        wake_.wait_for(lock, std::chrono::milliseconds(1LL << std::min(failures_++, 8)),
-                       [this] { return isClosing_ || isGone_ || isCameraClosed_; });
-        if (status == TransferStatus::Stalled) {
-            lock.unlock();
-            link_.ClearHalt(Pipe::Event);
-            lock.lock();
+        wake_.wait_for(lock, std::chrono::milliseconds(1LL << std::min(failures_++, 8)), [this] { return IsEnding(); });
+        if (status == TransferStatus::Stalled && !IsEnding()) {
+            done_.push_front(&transfer);
+            ClearEndpoint(lock);
+            return;
         }
     }
-    if (isClosing_ || isGone_ || isCameraClosed_)
-        return;
+    if (!IsEnding())
+        Submit(lock, transfer, transfer.Buffer());
+}
+
+void EventChannel::Submit(std::unique_lock<std::mutex> &lock, BulkIn &transfer, std::span<std::byte> buffer)
+{
     ++pending_;
     lock.unlock();
-    transfer.Submit(transfer.Buffer());
+    transfer.Submit(buffer);
     lock.lock();
+    if (!isCameraClosed_)
+        return;
+    // Whoever closes the camera may have come before it was there to be cancelled.
+    lock.unlock();
+    transfer.Cancel();
+    lock.lock();
+}
+
+// A host cannot begin anew on an endpoint that has transfers: all come back first.
+void EventChannel::ClearEndpoint(std::unique_lock<std::mutex> &lock)
+{
+    lock.unlock();
+    for (auto transfer = transfers_.rbegin(); transfer != transfers_.rend(); ++transfer)
+        if (transfer->in != nullptr)
+            transfer->in->Cancel();
+    lock.lock();
+    wake_.wait(lock, [this] { return pending_ == 0; });
+    const std::deque<BulkIn *> returned = std::exchange(done_, {});
+    lock.unlock();
+    for (BulkIn *transfer : returned)
+        if (transfer->Status() == TransferStatus::Completed && !transfer->Received().empty())
+            HandlePacket(transfer->Received());
+    link_.ClearHalt(Pipe::Event);
+    lock.lock();
+    for (BulkIn *transfer : returned)
+        if (!IsEnding())
+            Submit(lock, *transfer, transfer->Buffer());
 }
 
 void EventChannel::HandlePacket(std::span<const std::byte> packet)

@@ -65,6 +65,9 @@ class EventChannel final : private BulkIn::Listener, private Camera::Channel {
 
     void Run();
     void HandleTransfer(std::unique_lock<std::mutex> &lock, BulkIn &transfer);
+    bool IsEnding() const { return isClosing_ || isGone_ || isCameraClosed_; }
+    void Submit(std::unique_lock<std::mutex> &lock, BulkIn &transfer, std::span<std::byte> buffer);
+    void ClearEndpoint(std::unique_lock<std::mutex> &lock);
     void HandlePacket(std::span<const std::byte> packet);
     void HandleEvent(const EventEntry &event);
     void Deliver(const EventEntry &event, std::uint64_t blockId);
@@ -89,6 +92,7 @@ class EventChannel final : private BulkIn::Listener, private Camera::Channel {
     RequestList waiting_;
     std::size_t pending_ = 0;
     bool isGone_ = false, isCameraClosed_ = false, isClosing_ = false, isClosed_ = false;
+    bool wantsReset_ = false;
     int failures_ = 0; // in a row
     std::uint64_t lost_ = 0, malformed_ = 0;
     std::uint64_t loggedLost_ = 0;

@@ -51,6 +51,17 @@ CodeRow RowOf(std::uint16_t code)
     return {code, CAM_API_STS_UNSUCCESSFUL, "refused"};
 }
 
+// Also after an error on the bus, both ends begin anew by the clearing of a halt.
+bool IsOutOfStep(TransferStatus status)
+{
+    return status == TransferStatus::Stalled || status == TransferStatus::Failed;
+}
+
+CAM_API_STATUS StatusOf(TransferStatus status)
+{
+    return status == TransferStatus::NoMemory ? CAM_API_STS_NO_MEMORY : CAM_API_STS_CAMERA_NOT_RESPONDING;
+}
+
 } // namespace
 
 GenCp::GenCp(UsbLink &link) : link_(link), transfer_(link.NewTransfer(Pipe::Control, *this)) { SetLimits({}); }
@@ -163,16 +174,16 @@ GenCp::Outcome GenCp::Try(const Command &command, std::uint16_t flags, std::uint
     Deadline deadline = Clock::now() + limits_.responseTime;
     const Deadline lastDeadline = Clock::now() + maxPending;
     TransferStatus status = link_.Out(std::span(packet_).first(headerSize + command.scdSize), deadline);
-    if (status == TransferStatus::Stalled)
+    if (IsOutOfStep(status))
         return Outcome::Stalled;
     if (status == TransferStatus::TimedOut)
         return Outcome::NoAnswer;
     if (status != TransferStatus::Completed)
-        Fail(command, CAM_API_STS_CAMERA_NOT_RESPONDING, Name(status));
+        Fail(command, StatusOf(status), Name(status));
 
     for (;;) {
         status = Receive(deadline);
-        if (status == TransferStatus::Stalled)
+        if (IsOutOfStep(status))
             return Outcome::Stalled;
         if (status == TransferStatus::TimedOut)
             return Outcome::NoAnswer;
@@ -181,7 +192,7 @@ GenCp::Outcome GenCp::Try(const Command &command, std::uint16_t flags, std::uint
         if (status == TransferStatus::Babble)
             continue;
         if (status != TransferStatus::Completed)
-            Fail(command, CAM_API_STS_CAMERA_NOT_RESPONDING, Name(status));
+            Fail(command, StatusOf(status), Name(status));
 
         // Empty packets, and answers that come too late for an earlier command, are not for this one.
         ack = transfer_->Received();
@@ -247,6 +258,13 @@ void GenCp::Abort()
     std::lock_guard lock(doneMutex_);
     isAborted_ = true;
     done_.notify_all();
+}
+
+void GenCp::Reset()
+{
+    Abort();
+    std::lock_guard lock(mutex_); // no transfer may pend when a halt is cleared
+    link_.ClearHalt(Pipe::Control);
 }
 
 void GenCp::Fail(const Command &command, CAM_API_STATUS status, const std::string &why) const

@@ -30,6 +30,8 @@ class GenCp : private BulkIn::Listener {
 
     /// Ends the command under way, which then fails with 0x12.
     void Abort();
+    /// Aborts, and brings the control endpoints into step.
+    void Reset();
 
   private:
     struct Command {

@@ -4,6 +4,7 @@
 
 #include "u3v/core/Log.h"
 #include "u3v/protocol/Acquisition.h"
+#include "u3v/protocol/TransferProbe.h"
 
 #include <algorithm>
 
@@ -11,6 +12,7 @@ namespace Orvi::U3v {
 namespace {
 
 constexpr std::size_t maxFrames = 16, minFrames = 2;
+constexpr std::size_t safeTransferSize = 512 * 1024;
 
 } // namespace
 
@@ -49,10 +51,11 @@ void StreamEngine::Start(std::uint32_t acquisitionMode)
             return;
     }
     WriteRegister(control, sirm, Sirm::control, 0U);
+    const StreamLayout layout = Negotiate(control);
     ClearEndpoint();
-    const StreamLayout layout = NegotiateLayout(control, sirm, link_.MaxPacketSize(Pipe::Stream), maxTransferSize_);
 
     std::unique_lock lock(mutex_);
+    budget_ = link_.MaxBytesInFlight();
     PrepareFrames(layout);
     lastBlockId_.reset();
     lostCount_ = 0;
@@ -173,6 +176,19 @@ void StreamEngine::AskThread(std::unique_lock<std::mutex> &lock, bool &wish)
     }
     wake_.notify_one();
     idle_.wait(lock, [&] { return !wish || wantsQuit_; });
+}
+
+// Large transfers need memory in one piece, which a system that has run for a while may not have.
+StreamLayout StreamEngine::Negotiate(GenCp &control)
+{
+    for (std::size_t size = maxTransferSize_;; size /= 2) {
+        const StreamLayout layout =
+            NegotiateLayout(control, camera_->Map().sirm, link_.MaxPacketSize(Pipe::Stream), size);
+        if (layout.MaxSlot() <= safeTransferSize || HasMemoryFor(link_, Pipe::Stream, layout.MaxSlot()))
+            return layout;
+        LogDevice(CAM_LOG_LEVEL_WARN, "stream of %s: no memory for transfers of %zu bytes: trying half of it",
+                  link_.Identity().serial.c_str(), layout.MaxSlot());
+    }
 }
 
 void StreamEngine::PrepareFrames(const StreamLayout &layout)

@@ -72,6 +72,7 @@ class StreamEngine final : private BulkIn::Listener, private Camera::Channel {
     std::unique_lock<std::mutex> LockOperation();
     /// Has the stream's thread do something and waits for it; on that thread itself, does it.
     void AskThread(std::unique_lock<std::mutex> &lock, bool &wish);
+    StreamLayout Negotiate(GenCp &control);
     void PrepareFrames(const StreamLayout &layout);
     void StopCamera();
     void ClearEndpoint();

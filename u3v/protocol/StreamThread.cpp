@@ -118,9 +118,14 @@ void StreamEngine::PostNext(std::unique_lock<std::mutex> &lock)
         if (!isRefused_)
             continue;
         frame.UncountPosted();
-        budget_ = std::max(bytesInFlight_, layout_.transferSize);
         notBefore_ = Clock::now() + std::chrono::milliseconds(10);
-        LogDevice(CAM_LOG_LEVEL_WARN, "no memory for more than %zu bytes of transfers: going on with less", budget_);
+        const std::size_t fitting = std::max(bytesInFlight_, layout_.transferSize);
+        if (fitting < budget_)
+            LogDevice(CAM_LOG_LEVEL_WARN,
+                      "stream of %s: no memory for more than %zu bytes of transfers: going on with "
+                      "that; usbfs_memory_mb limits it",
+                      link_.Identity().serial.c_str(), fitting);
+        budget_ = std::min(budget_, fitting);
         return;
     }
 }

@@ -145,20 +145,12 @@ std::string LibusbDevice::Name() const
 
 std::unique_ptr<UsbLink> LibusbDevice::Open()
 {
-    try {
-        auto handle = std::make_unique<LibusbHandle>(context_, device_, Name());
-        // Who may open it now may not have been allowed to when it was found.
-        DeviceIdentity identity = identity_;
-        if (!identity.problem.empty()) {
-            LibusbDevice now(context_, device_, interfaces_);
-            identity = now.identity_;
-            identity.problem.clear();
-        }
-        return std::make_unique<LibusbLink>(context_, std::move(handle), interfaces_, std::move(identity));
-    } catch (const StatusError &error) {
-        LogDevice(CAM_LOG_LEVEL_ERROR, "%s", error.what());
-        throw;
-    }
+    auto handle = std::make_unique<LibusbHandle>(context_, device_, Name());
+    DeviceIdentity identity = identity_;
+    // Who may open it now may not have been allowed to when it was found.
+    if (!identity.problem.empty())
+        identity = LibusbDevice(context_, device_, interfaces_).identity_;
+    return std::make_unique<LibusbLink>(context_, std::move(handle), interfaces_, std::move(identity));
 }
 
 std::vector<std::shared_ptr<UsbDevice>> EnumerateUsbDevices(LibusbContext &context)
