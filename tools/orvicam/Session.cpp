@@ -109,7 +109,9 @@ std::vector<std::string> Serials(const std::vector<CameraEntry> &cameras)
     return serials;
 }
 
-constexpr char s_noCamera[] = "no camera found: check that it is plugged in and powered and that lsusb shows it; ";
+constexpr char s_noCamera[] =
+    "no camera found: check that it is plugged in and powered and that lsusb shows it; 'orvicam doctor' "
+    "checks this machine; ";
 
 } // namespace
 
