@@ -6,6 +6,7 @@
 #include "u3v/genapi/Say.h"
 
 #include <charconv>
+#include <cmath>
 
 namespace Orvi::GenApi {
 
@@ -170,7 +171,11 @@ std::int64_t RoundToInt(const Run &run, const Node &node, double value)
 std::string Text(double value)
 {
     char digits[40];
-    const auto result = std::to_chars(digits, digits + sizeof digits, value);
+    // The shortest form of 200000 would be 2e+05.
+    const double size = std::fabs(value);
+    const bool plain = value == 0 || (size >= 1e-4 && size < 1e15);
+    const auto result = plain ? std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed)
+                              : std::to_chars(digits, digits + sizeof digits, value);
     return {digits, result.ptr};
 }
 
