@@ -184,6 +184,105 @@ TEST(Polling, ExpiresWhatIsRemembered)
     EXPECT_EQ(traffic.Take(), Counts(0, 0));
 }
 
+/// A clock that tests set, and how many registers a look at some nodes has read since the last one.
+struct PolledMap {
+    explicit PolledMap(const std::string &nodes) : map(nodes, {.clock = [this] { return now; }}) {}
+    int ReadsAt(int milliseconds, std::initializer_list<const char *> names)
+    {
+        now = std::chrono::milliseconds(milliseconds);
+        map.port.reads = 0;
+        for (const char *name : names)
+            map.Int(name);
+        return map.port.reads;
+    }
+    std::chrono::milliseconds now{0};
+    TestMap map;
+};
+
+TEST(Polling, OfANodeIsThatOfTheRegistersItsValueIsKeptIn)
+{
+    PolledMap polled(
+        "<Integer Name=\"V\"><PollingTime>50</PollingTime><pValue>W</pValue></Integer>"
+        "<Integer Name=\"W\"><pIndex>Sel</pIndex><pValueIndexed Index=\"0\">A</pValueIndexed>"
+        "<pValueIndexed Index=\"1\">B</pValueIndexed></Integer><Integer Name=\"Sel\"><Value>1</Value></Integer>" +
+        Reg("IntReg", "A", 0) + Reg("IntReg", "B", 4) + Reg("IntReg", "Still", 8));
+    EXPECT_EQ(polled.map->PollingTime(polled.map["V"]), 50);
+    EXPECT_EQ(polled.ReadsAt(0, {"V", "Still"}), 2);
+    EXPECT_EQ(polled.ReadsAt(49, {"V", "Still"}), 0);
+    EXPECT_EQ(polled.ReadsAt(50, {"V", "Still"}), 1);
+}
+
+TEST(Polling, ReachesWhatAPolledValueMakesStale)
+{
+    PolledMap polled(
+        Reg("IntReg", "Mode", 0, "<PollingTime>100</PollingTime>") +
+        "<IntSwissKnife Name=\"Double\"><pVariable Name=\"M\">Mode</pVariable><Formula>M*2</Formula></IntSwissKnife>" +
+        Reg("IntReg", "Size", 4, "<pInvalidator>Double</pInvalidator>") +
+        Reg("IntReg", "Often", 8, "<pInvalidator>Mode</pInvalidator><PollingTime>10</PollingTime>") +
+        "<Integer Name=\"View\"><pInvalidator>Size</pInvalidator><pValue>Below</pValue></Integer>" +
+        Reg("IntReg", "Below", 12) + Reg("IntReg", "Still", 16));
+    const auto all = {"Size", "Often", "View", "Still"};
+    EXPECT_EQ(polled.ReadsAt(0, all), 4);
+    EXPECT_EQ(polled.ReadsAt(9, all), 0);
+    EXPECT_EQ(polled.ReadsAt(10, all), 1);
+    EXPECT_EQ(polled.ReadsAt(100, {"Size", "View", "Still"}), 2) << "nobody has read Mode itself";
+}
+
+TEST(Polling, IsBlockedByItsNode)
+{
+    PolledMap polled(Reg("IntReg", "Busy", 0, "<PollingTime>100</PollingTime><pBlockPolling>Value</pBlockPolling>") +
+                     Reg("IntReg", "Value", 4, "<PollingTime>100</PollingTime><pBlockPolling>Busy</pBlockPolling>"));
+    polled.map.Set("Busy", 1);
+    EXPECT_EQ(polled.ReadsAt(0, {"Value"}), 1);
+    EXPECT_EQ(polled.ReadsAt(99, {"Value"}), 0);
+    polled.map.port.Put<std::uint32_t>(4, 7);
+    EXPECT_EQ(polled.ReadsAt(150, {"Value"}), 1) << "Busy itself has expired and is read";
+    EXPECT_EQ(polled.map.Int("Value"), 0) << "it says that polling is blocked";
+    polled.map.Set("Busy", 0);
+    EXPECT_EQ(polled.map.Int("Value"), 7);
+}
+
+TEST(Cache, AValueThatTheCameraHasChangedMakesItsDependentsStale)
+{
+    TestMap map(Reg("IntReg", "Mode", 0) + Reg("IntReg", "Size", 4, "<pInvalidator>Mode</pInvalidator>"));
+    map.Int("Mode");
+    map.Int("Size");
+    map.port.Put<std::uint32_t>(4, 9);
+    map.Int("Mode", {.ignoreCache = true});
+    EXPECT_EQ(map.Int("Size"), 0) << "Mode has the same value as before";
+    map.port.Put<std::uint32_t>(0, 1);
+    map.Int("Mode", {.ignoreCache = true});
+    EXPECT_EQ(map.Int("Size"), 9);
+}
+
+TEST(Cache, ForgettingANodeForgetsAllItsIndexedValues)
+{
+    TestMap map(
+        "<Integer Name=\"W\"><pIndex>Sel</pIndex><pValueIndexed Index=\"0\">A</pValueIndexed>"
+        "<pValueIndexed Index=\"1\">B</pValueIndexed></Integer><Integer Name=\"Sel\"><Value>1</Value></Integer>" +
+        Reg("IntReg", "A", 0) + Reg("IntReg", "B", 4));
+    map.Int("W");
+    map.port.Put<std::uint32_t>(4, 9);
+    map->Invalidate(map["W"]);
+    EXPECT_EQ(map.Int("W"), 9);
+}
+
+TEST(Cache, ARegisterMayGrowOverAPage)
+{
+    TestMap map("<Integer Name=\"Size\"><Value>8</Value></Integer><Register Name=\"R\"><Address>0xF0</Address>"
+                "<pLength>Size</pLength><AccessMode>RW</AccessMode><pPort>Device</pPort></Register>");
+    std::vector<std::byte> bytes(8);
+    map->GetBytes(map["R"], bytes);
+    map.Set("Size", 4096);
+    map.port.Put<std::uint32_t>(0xF0 + 4092, 0x12345678);
+    bytes.resize(4096);
+    map->GetBytes(map["R"], bytes);
+    EXPECT_EQ(bytes[4095], std::byte{0x12});
+    map->SetBytes(map["R"], std::vector<std::byte>(4096, std::byte{7}));
+    map->GetBytes(map["R"], bytes);
+    EXPECT_EQ(bytes[4095], std::byte{7});
+}
+
 TEST(Cache, CanBeForgottenAsAWhole)
 {
     TestMap map(Reg("IntReg", "A", 0) + Reg("IntReg", "B", 4));

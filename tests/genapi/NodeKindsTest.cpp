@@ -265,6 +265,36 @@ TEST(Converter, NamesTheFormulaThatHasNoResult)
     EXPECT_EQ(ErrorOf([&] { map.Float("F"); }), "[F] division by zero, formula 1/TO with TO = 0 (at C)");
 }
 
+TEST(Converter, ThatIsLinearTellsItsStepAndWritesTheNearest)
+{
+    const std::string formulas = "<FormulaTo>(FROM + 5) / 0.25</FormulaTo><FormulaFrom>TO * 0.25 - 5</FormulaFrom>";
+    TestMap map(Reg("IntReg", "Raw", 0) + "<Integer Name=\"Bounded\"><pValue>Raw</pValue><Max>100</Max></Integer>" +
+                "<Integer Name=\"Coarse\"><pValue>Raw</pValue><Min>4</Min><Max>100</Max><Inc>4</Inc></Integer>"
+                "<Converter Name=\"Linear\"><IsLinear>Yes</IsLinear>" +
+                formulas +
+                "<pValue>Bounded</pValue></Converter>"
+                "<Converter Name=\"Steep\"><IsLinear>Yes</IsLinear>" +
+                formulas +
+                "<pValue>Coarse</pValue></Converter>"
+                "<Converter Name=\"Unknown\">" +
+                formulas +
+                "<pValue>Bounded</pValue></Converter>"
+                "<IntConverter Name=\"Down\"><IsLinear>Yes</IsLinear><FormulaTo>100 - FROM / 10</FormulaTo>"
+                "<FormulaFrom>(100 - TO) * 10</FormulaFrom><pValue>Bounded</pValue></IntConverter>"
+                "<Float Name=\"F\"><pValue>Linear</pValue><Min>-4</Min></Float>");
+    EXPECT_EQ(map->FloatInc(map["Linear"]), 0.25);
+    EXPECT_EQ(map->FloatInc(map["F"]), 0.25);
+    EXPECT_EQ(map->FloatInc(map["Steep"]), 1);
+    EXPECT_EQ(map->FloatInc(map["Unknown"]), std::nullopt);
+    EXPECT_EQ(map->IntInc(map["Down"]), 10);
+    map.SetFloat("F", -3.3);
+    EXPECT_EQ(map.port.Get<std::uint32_t>(0), 7u);
+    EXPECT_EQ(map.Float("F"), -3.25);
+    EXPECT_THAT(ErrorOf([&] { map.SetFloat("Steep", 0); }), testing::IsEmpty());
+    EXPECT_THAT(ErrorOf([&] { map.SetFloat("Steep", 0.25); }),
+                HasSubstr("[Steep] cannot take 21, the step is 4 from 4"));
+}
+
 TEST(IntConverter, KeepsAll64Bits)
 {
     TestMap map(Reg("IntReg", "Raw", 0, "", 8) +
@@ -301,6 +331,16 @@ constexpr const char *mode = "<Enumeration Name=\"Mode\"><EnumEntry Name=\"Off\"
                              "<EnumEntry Name=\"Never\"><pIsAvailable>Zero</pIsAvailable><Value>2</Value></EnumEntry>"
                              "<EnumEntry Name=\"Once\"><Value>3</Value><IsSelfClearing>Yes</IsSelfClearing></EnumEntry>"
                              "<pValue>Raw</pValue></Enumeration><Integer Name=\"Zero\"><Value>0</Value></Integer>";
+
+TEST(SwissKnife, TakesNamesWithDotsAndConstantsInAllForms)
+{
+    TestMap map(
+        "<Integer Name=\"W\"><Value>10</Value></Integer>"
+        "<IntSwissKnife Name=\"I\"><pVariable Name=\"Sensor.Size\">W</pVariable><Constant Name=\"K\">1e3</Constant>"
+        "<Constant Name=\"H\">0xE</Constant><Constant Name=\"N\">-5</Constant><Constant Name=\"F\">0.5</Constant>"
+        "<Formula>Sensor.Size * K + H + N + 2 * F</Formula></IntSwissKnife>");
+    EXPECT_EQ(map.Int("I"), 10010);
+}
 
 TEST(Enumeration, KnowsItsEntriesByNameAndNumber)
 {

@@ -18,8 +18,13 @@ TEST(Attributes, AreWhatTheDescriptionSays)
         "<Visibility>Guru</Visibility><DocuURL>http://x</DocuURL><IsDeprecated>Yes</IsDeprecated>"
         "<EventID>9001</EventID><ExposeStatic>Yes</ExposeStatic><Streamable>Yes</Streamable><pValue>Raw</pValue>"
         "<DisplayNotation>Scientific</DisplayNotation><DisplayPrecision>3</DisplayPrecision></Float>" +
-        Reg("FloatReg", "Raw", 0, "<Unit>dB</Unit><Representation>Logarithmic</Representation>"));
-    const NodeId gain = map["Gain"], raw = map["Raw"];
+        Reg("FloatReg", "Raw", 0, "<Unit>dB</Unit><Representation>Logarithmic</Representation>") +
+        "<Float Name=\"Over\"><ExposeStatic>No</ExposeStatic><pValue>Gain</pValue></Float>");
+    const NodeId gain = map["Gain"], raw = map["Raw"], over = map["Over"];
+    EXPECT_EQ(map->Notation(over), DisplayNotation::Scientific) << "that of the node which holds the value";
+    EXPECT_EQ(map->DisplayPrecision(over), 3);
+    EXPECT_FALSE(map->IsExposedStatic(over));
+    EXPECT_TRUE(map->IsExposedStatic(gain));
     EXPECT_EQ(map->ToolTip(gain), "tip & trick");
     EXPECT_EQ(map->Description(gain), "long text");
     EXPECT_EQ(map->DisplayName(gain), "Gain factor");
@@ -145,6 +150,22 @@ TEST(Chunks, ShowTheirDataThroughTheChunkPort)
     const std::array<std::byte, 4> data{std::byte{7}};
     map->DeliverChunk(0xABCD, data);
     EXPECT_EQ(map.Int("ChunkWidth"), 7);
+}
+
+TEST(Chunks, MayHaveAnIdThatANodeHolds)
+{
+    TestMap map(
+        Reg("IntReg", "Id", 8) +
+        "<Port Name=\"Chunk\"><pChunkID>Id</pChunkID></Port><Integer Name=\"Zero\">"
+        "<Value>0</Value></Integer><SwissKnife Name=\"None\"><pVariable Name=\"Z\">Zero</pVariable><Formula>1 / Z"
+        "</Formula></SwissKnife><Port Name=\"Broken\"><pChunkID>None</pChunkID></Port>"
+        "<IntReg Name=\"Width\"><Address>0</Address><Length>4</Length><pPort>Chunk</pPort></IntReg>");
+    map.port.Put<std::uint32_t>(8, 0xABCD);
+    const std::array<std::byte, 4> data{std::byte{7}}, other{std::byte{8}};
+    map->DeliverChunk(1, other);
+    EXPECT_EQ(map->Access(map["Width"]), AccessMode::NotAvailable);
+    map->DeliverChunk(0xABCD, data);
+    EXPECT_EQ(map.Int("Width"), 7);
 }
 
 TEST(Port, MaySwapTheByteOrder)

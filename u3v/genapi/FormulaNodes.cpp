@@ -71,7 +71,7 @@ bool ConverterNode<T>::Take(const Property &property)
     case Prop::FormulaFrom: fromText_ = property.Text(); return true;
     case Prop::pValue:      value_ = property.Target(Role::Value); return true;
     case Prop::Slope:       slope_ = property.OneOf<Slope>(slopeNames); return true;
-    case Prop::IsLinear:    property.YesNo(); return true;
+    case Prop::IsLinear:    linear_ = property.YesNo(); return true;
     case Prop::Input:       return true;
     default:                return part_.Take(property, arithmeticOf<T>) || NumberNode<T>::Take(property);
         // clang-format on
@@ -141,6 +141,25 @@ Limits<T> ConverterNode<T>::ValueLimits(Run &run)
     }
     const std::optional<T> low = decreasing ? atMax : atMin, high = decreasing ? atMin : atMax;
     return {low.value_or(noLimits<T>.min), high.value_or(noLimits<T>.max)};
+}
+
+/// One step below, as the user sees it; it is the same everywhere only when the formula is linear.
+template <class T>
+std::optional<T> ConverterNode<T>::ValueInc(Run &run)
+{
+    if (!linear_)
+        return std::nullopt;
+    const std::optional<double> step = value_->Type() == NodeType::Integer
+                                           ? std::optional(static_cast<double>(value_->IntInc(run)))
+                                           : value_->FloatInc(run);
+    if (!step)
+        return std::nullopt;
+    const Limits<T> raw = LimitsOf<T>(*value_, run);
+    const T from = raw.min == noLimits<T>.min ? T{} : raw.min;
+    const std::optional<T> low = Limit(run, from), high = Limit(run, from + static_cast<T>(*step));
+    if (!low || !high || *low == *high)
+        return std::nullopt;
+    return *high > *low ? *high - *low : *low - *high;
 }
 
 template <class T>

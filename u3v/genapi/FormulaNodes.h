@@ -40,6 +40,9 @@ class ConverterNode final : public NumberNode<T> {
     T Value(Run &run) override;
     void SetValue(Run &run, T value) override;
     Limits<T> ValueLimits(Run &run) override;
+    std::optional<T> ValueInc(Run &run) override;
+    /// A value between two steps is written as the nearest one.
+    void Check(Run &run, T value) override { this->CheckRange(run, value, ValueLimits(run)); }
     AccessMode ValueAccess(Run &run) override;
 
   private:
@@ -53,6 +56,7 @@ class ConverterNode final : public NumberNode<T> {
     Formula to_, from_;
     Node *value_ = nullptr;
     Slope slope_ = Slope::Automatic;
+    bool linear_ = false;
 };
 
 extern template class SwissKnifeNode<std::int64_t>;

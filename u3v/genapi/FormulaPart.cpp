@@ -134,7 +134,7 @@ bool FormulaPart::Take(const Property &property, Arithmetic arithmetic)
     }
     case Prop::Constant: {
         const std::string_view name = checkedName();
-        if (arithmetic == Arithmetic::Integer && property.Text().find('.') == std::string_view::npos)
+        if (arithmetic == Arithmetic::Integer && property.IsInt())
             constants_.push_back({name, {FormulaName::Kind::Integer, 0, {.i = property.Int()}}});
         else
             constants_.push_back({name, {FormulaName::Kind::Float, 0, {.f = property.Number<double>()}}});
@@ -161,6 +161,8 @@ std::optional<FormulaName> FormulaPart::LookVariable(std::string_view name)
         if (const auto number = FindEntryNumber(*variable.node, suffix))
             return FormulaName{FormulaName::Kind::Integer, 0, {.i = *number}};
         const auto what = FindAttribute(suffix);
+        if (!what && variable.name == name) // its own name has a dot
+            return FormulaName{FormulaName::Kind::Variable, i};
         if (!what)
             return std::nullopt;
         return FormulaName{FormulaName::Kind::Variable,

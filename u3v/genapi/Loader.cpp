@@ -28,6 +28,8 @@ constexpr bool NeedsNumber(Role role)
     case Role::Address:
     case Role::CommandValue:
     case Role::Error:
+    case Role::ChunkId:
+    case Role::BlockPolling:
         return true;
     default:
         return false;
@@ -77,6 +79,7 @@ void Loader::Load()
             if ((node->Type() == NodeType::Enumeration) == enumerations)
                 node->Finish(*this);
     CheckDependencies(*this, state_);
+    SpreadPolling(state_);
 }
 
 void Loader::ReadHead(pugi::xml_node root)

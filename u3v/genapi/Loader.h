@@ -74,6 +74,9 @@ class Loader {
     std::unordered_map<std::size_t, Node *> inner_; ///< by the element's hash value
 };
 
+/// Gives the registers below polled nodes, and those that go stale when a polled value changes, their polling times.
+void SpreadPolling(const MapState &state);
+
 /// Refuses nodes that depend on themselves, or on each other too deeply to be evaluated.
 void CheckDependencies(const Loader &loader, const MapState &state);
 

@@ -80,9 +80,15 @@ void MapState::FailSteps(const Run &run, const Node &node)
 
 void MapState::Forget(Node &node)
 {
-    for (Node *below = &node; below != nullptr; below = below->LinkTo(Role::Value))
-        if (auto *const reg = dynamic_cast<RegisterNode *>(below))
+    Walk below(nodes.size());
+    below.Push(node);
+    while (Node *const each = below.Pop()) {
+        if (auto *const reg = dynamic_cast<RegisterNode *>(each))
             reg->ForgetValue(*this);
+        for (const Link &link : each->Links())
+            if (link.role == Role::Value)
+                below.Push(*link.target);
+    }
 }
 
 CachingMode MapState::CachingOf(Node &node) const
@@ -157,10 +163,11 @@ MapState::Stale MapState::FindStale(Node &source)
 
 void MapState::Changed(Node &node)
 {
-    auto found = stale_.find(&node);
-    if (found == stale_.end())
-        found = stale_.emplace(&node, FindStale(node)).first;
-    for (RegisterNode *reg : found->second)
+    stale_.resize(nodes.size());
+    auto &stale = stale_[node.Id()];
+    if (!stale)
+        stale = std::make_unique<const Stale>(FindStale(node));
+    for (RegisterNode *reg : *stale)
         reg->ForgetValue(*this);
 }
 

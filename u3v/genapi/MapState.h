@@ -9,7 +9,6 @@
 #include <chrono>
 #include <functional>
 #include <memory>
-#include <unordered_map>
 
 namespace Orvi::GenApi {
 
@@ -55,8 +54,8 @@ class MapState {
 
     Clock clock_;
     std::uint32_t steps_ = 0;
-    std::vector<std::vector<Link>> referrers_; ///< links backwards: target is the node that has the link
-    std::unordered_map<const Node *, Stale> stale_;
+    std::vector<std::vector<Link>> referrers_;        ///< links backwards: target is the node that has the link
+    std::vector<std::unique_ptr<const Stale>> stale_; ///< by node, as far as they have changed before
 };
 
 } // namespace Orvi::GenApi

@@ -5,6 +5,7 @@
 #include "u3v/genapi/Properties.h"
 #include "u3v/genapi/Say.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -53,11 +54,12 @@ bool Node::Take(const Property &property)
     case Prop::pSelected:         property.Target(Role::Selected); return true;
     case Prop::pAlias:            property.Target(Role::Alias); return true;
     case Prop::pCastAlias:        property.Target(Role::CastAlias); return true;
-    // Known, and nothing that this runtime does depends on them.
-    case Prop::Extension:
-    case Prop::ExposeStatic:
-    case Prop::pBlockPolling:
-    case Prop::PollingTime:
+    case Prop::ExposeStatic:      said_.exposedStatic = property.YesNo(); return true;
+    case Prop::PollingTime:       said_.pollingTime = std::max<std::int64_t>(property.Int(), 0); return true;
+    case Prop::pBlockPolling:     property.Target(Role::BlockPolling); return true;
+    // The vendor's own elements.
+    case Prop::Extension:         return true;
+    // A node without a register is as cachable as what it is made of.
     case Prop::Cachable:          return true;
     default:                      return false;
         // clang-format on

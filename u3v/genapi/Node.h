@@ -25,7 +25,8 @@ struct Run {
     const Node &subject;
     bool verify = false;
     bool ignoreCache = false;
-    bool reading = false; ///< access is asked for in order to read: locks need not be looked at
+    bool reading = false;  ///< access is asked for in order to read: locks need not be looked at
+    bool blocking = false; ///< it is asked whether polling is blocked: that must not be asked again below
 };
 
 /// What one node is to another.
@@ -41,6 +42,8 @@ enum class Role : std::uint8_t {
     Port,          ///< carries its register
     CommandValue,
     Error,
+    ChunkId,
+    BlockPolling,
     Invalidator, ///< a change of the other makes what is remembered of it stale
     Selected,    ///< means something else for each value of this node
     Feature,     ///< of a category
@@ -77,14 +80,16 @@ class Node {
     struct Attributes {
         std::string_view toolTip, description, displayName, docuUrl, unit;
         std::optional<std::uint64_t> eventId;
-        std::int64_t displayPrecision = 6;
+        std::optional<std::int64_t> displayPrecision;
+        std::int64_t pollingTime = 0; ///< ms; of its value, wherever that is kept
         Visibility visibility = Visibility::Beginner;
-        Representation representation = Representation::Undefined;
-        DisplayNotation displayNotation = DisplayNotation::Automatic;
+        std::optional<Representation> representation;
+        std::optional<DisplayNotation> displayNotation;
         AccessMode imposed = AccessMode::ReadWrite;
         bool streamable = false;
         bool deprecated = false;
-        bool feature = false; ///< a category lists it
+        bool exposedStatic = true; ///< wanted by code generators
+        bool feature = false;      ///< a category lists it
     };
 
     NodeId Id() const { return id_; }

@@ -42,11 +42,11 @@ std::string_view NodeMap::ToolTip(NodeId id) const             { return At(id).S
 std::string_view NodeMap::DocuUrl(NodeId id) const             { return At(id).Said().docuUrl; }
 Visibility       NodeMap::NodeVisibility(NodeId id) const      { return At(id).Said().visibility; }
 CachingMode      NodeMap::Caching(NodeId id) const             { return content_->state.CachingOf(At(id)); }
-DisplayNotation  NodeMap::Notation(NodeId id) const            { return At(id).Said().displayNotation; }
-std::int64_t     NodeMap::DisplayPrecision(NodeId id) const    { return At(id).Said().displayPrecision; }
 bool             NodeMap::IsFeature(NodeId id) const           { return At(id).Said().feature; }
 bool             NodeMap::IsStreamable(NodeId id) const        { return At(id).Said().streamable; }
 bool             NodeMap::IsDeprecated(NodeId id) const        { return At(id).Said().deprecated; }
+bool             NodeMap::IsExposedStatic(NodeId id) const     { return At(id).Said().exposedStatic; }
+std::int64_t     NodeMap::PollingTime(NodeId id) const         { return At(id).Said().pollingTime; }
 bool             NodeMap::IsSelector(NodeId id) const          { return At(id).LinkTo(Role::Selected) != nullptr; }
 std::optional<std::uint64_t> NodeMap::EventId(NodeId id) const { return At(id).Said().eventId; }
 // clang-format on
@@ -63,20 +63,36 @@ std::string_view NodeMap::DisplayName(NodeId id) const
     return node.Said().displayName.empty() ? node.Name() : node.Said().displayName;
 }
 
+/// What the first of a node and those that hold its value says, by @p look.
+template <class F>
+static auto SaidAlongTheValue(const Node &first, F look) -> decltype(look(first.Said()))
+{
+    for (const Node *node = &first; node != nullptr; node = node->LinkTo(Role::Value))
+        if (const auto said = look(node->Said()); said != decltype(said)())
+            return said;
+    return {};
+}
+
 std::string_view NodeMap::Unit(NodeId id) const
 {
-    for (const Node *node = &At(id); node != nullptr; node = node->LinkTo(Role::Value))
-        if (!node->Said().unit.empty())
-            return node->Said().unit;
-    return {};
+    return SaidAlongTheValue(At(id), [](const Node::Attributes &said) { return said.unit; });
 }
 
 Representation NodeMap::NodeRepresentation(NodeId id) const
 {
-    for (const Node *node = &At(id); node != nullptr; node = node->LinkTo(Role::Value))
-        if (node->Said().representation != Representation::Undefined)
-            return node->Said().representation;
-    return Representation::Undefined;
+    return SaidAlongTheValue(At(id), [](const Node::Attributes &said) { return said.representation; })
+        .value_or(Representation::Undefined);
+}
+
+DisplayNotation NodeMap::Notation(NodeId id) const
+{
+    return SaidAlongTheValue(At(id), [](const Node::Attributes &said) { return said.displayNotation; })
+        .value_or(DisplayNotation::Automatic);
+}
+
+std::int64_t NodeMap::DisplayPrecision(NodeId id) const
+{
+    return SaidAlongTheValue(At(id), [](const Node::Attributes &said) { return said.displayPrecision; }).value_or(6);
 }
 
 AccessMode NodeMap::Access(NodeId id) const
@@ -151,8 +167,11 @@ void NodeMap::DeliverChunk(std::uint64_t chunkId, std::span<const std::byte> dat
 {
     const auto lock = Lock();
     for (const auto &node : content_->state.nodes)
-        if (auto *const port = dynamic_cast<PortNode *>(node.get()); port != nullptr && port->ChunkId() == chunkId)
-            port->Deliver(data);
+        if (auto *const port = dynamic_cast<PortNode *>(node.get()); port != nullptr) {
+            Call call(*this, port->Id());
+            if (port->Shows(call.run, chunkId))
+                port->Deliver(data);
+        }
 }
 
 void NodeMap::Invalidate()

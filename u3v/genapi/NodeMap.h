@@ -61,11 +61,13 @@ class NodeMap {
     Visibility NodeVisibility(NodeId id) const;
     CachingMode Caching(NodeId id) const;
     Representation NodeRepresentation(NodeId id) const; ///< as Unit()
-    DisplayNotation Notation(NodeId id) const;
-    std::int64_t DisplayPrecision(NodeId id) const;
-    bool IsFeature(NodeId id) const; ///< a category lists it
+    DisplayNotation Notation(NodeId id) const;          ///< as Unit()
+    std::int64_t DisplayPrecision(NodeId id) const;     ///< as Unit()
+    bool IsFeature(NodeId id) const;                    ///< a category lists it
     bool IsStreamable(NodeId id) const;
     bool IsDeprecated(NodeId id) const;
+    bool IsExposedStatic(NodeId id) const;
+    std::int64_t PollingTime(NodeId id) const; ///< ms; 0: what is remembered stays good
     std::optional<std::uint64_t> EventId(NodeId id) const;
 
     /// What may be done now; asks the camera as far as it must.

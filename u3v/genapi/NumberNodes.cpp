@@ -213,7 +213,10 @@ void ValueNode<T>::Check(Run &run, T value)
     Node *const below = Below(run);
     if (below && !min_.given && !max_.given && !inc_.given)
         return;
-    NumberNode<T>::Check(run, value);
+    const Limits<T> limits = ValueLimits(run);
+    this->CheckRange(run, value, limits);
+    if (inc_.given)
+        this->CheckInc(run, value, limits.min == noLimits<T>.min ? T{} : limits.min, inc_.Get(run));
 }
 
 template <class T>

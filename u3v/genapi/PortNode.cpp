@@ -12,9 +12,10 @@ bool PortNode::Take(const Property &property)
 {
     switch (property.prop) {
     // clang-format off
-    case Prop::ChunkID:        chunkId_ = property.Hex(); return true;
+    case Prop::ChunkID:        chunkId_.Take(static_cast<std::int64_t>(property.Hex())); return true;
+    case Prop::pChunkID:       chunkId_.Take(property.Target(Role::ChunkId)); return true;
     case Prop::SwapEndianess:  swap_ = property.YesNo(); return true;
-    case Prop::CacheChunkData: return true;
+    case Prop::CacheChunkData: property.YesNo(); return true; // what was delivered is kept anyway
     default:                   return Node::Take(property);
         // clang-format on
     }
@@ -25,6 +26,15 @@ AccessMode PortNode::ValueAccess(Run &)
     if (IsCamera())
         return AccessMode::ReadWrite;
     return delivered_ ? AccessMode::ReadOnly : AccessMode::NotAvailable;
+}
+
+bool PortNode::Shows(Run &run, std::uint64_t chunkId) const
+{
+    try {
+        return chunkId_.given && static_cast<std::uint64_t>(chunkId_.Get(run)) == chunkId;
+    } catch (const Error &) {
+        return false; // its id cannot be read now; that is no matter of the other ports
+    }
 }
 
 void PortNode::Deliver(std::span<const std::byte> data)

@@ -1,7 +1,7 @@
 #pragma once
 // Where registers live: the camera, or the data of an event or chunk that has been delivered.
 
-#include "u3v/genapi/Node.h"
+#include "u3v/genapi/NumberNodes.h"
 
 #include <vector>
 
@@ -14,9 +14,10 @@ class PortNode final : public Node {
     bool Take(const Property &property) override;
 
     /// Else the port shows delivered data, and has nothing to show before the first delivery.
-    bool IsCamera() const { return !Said().eventId && !chunkId_; }
+    bool IsCamera() const { return !Said().eventId && !chunkId_.given; }
     bool IsAlwaysOpen() const { return IsCamera() && !HasConditions(); }
-    std::optional<std::uint64_t> ChunkId() const { return chunkId_; }
+    /// The chunk that it shows, as far as that is known now.
+    bool Shows(Run &run, std::uint64_t chunkId) const;
     bool SwapsEndianess() const { return swap_; }
 
     void Deliver(std::span<const std::byte> data);
@@ -27,7 +28,7 @@ class PortNode final : public Node {
     AccessMode ValueAccess(Run &run) override;
 
   private:
-    std::optional<std::uint64_t> chunkId_;
+    Source<std::int64_t> chunkId_;
     bool swap_ = false;
     bool delivered_ = false;
     std::vector<std::byte> data_;

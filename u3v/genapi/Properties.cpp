@@ -66,6 +66,12 @@ std::int64_t Property::ParseInt(std::string_view text) const
     return static_cast<std::int64_t>(negative ? 0 - magnitude : magnitude);
 }
 
+bool Property::IsInt() const
+{
+    const std::string_view text = Text();
+    return text.find_first_of("xX") != text.npos || text.find_first_of(".eE") == text.npos;
+}
+
 double Property::ParseFloat(std::string_view text) const
 {
     text = Trim(text);

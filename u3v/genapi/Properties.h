@@ -48,6 +48,7 @@ class Property {
     std::string_view Text() const; ///< without blanks around it; lives as long as the map
     std::string_view Attribute(const char *name) const;
     std::int64_t Int() const { return ParseInt(Text()); }
+    bool IsInt() const;        ///< a number without fraction and exponent
     std::uint64_t Hex() const; ///< with or without 0x
     std::int64_t IntAttribute(const char *name) const { return ParseInt(Attribute(name)); }
     bool YesNo() const;

@@ -49,7 +49,6 @@ bool RegisterNode::TakeRegister(const Property &property)
     case Prop::pLength:    length_.Take(property.Target(Role::Address)); return true;
     case Prop::AccessMode: accessMode_ = property.OneOf<AccessMode>(accessNames); return true;
     case Prop::Cachable:   caching_ = property.OneOf<CachingMode>(cachingNames); return true;
-    case Prop::PollingTime: pollingTime_ = property.Int(); return true;
     case Prop::Endianess:  bigEndian_ = property.OneOf<int>(endianNames) == 1; return true;
     case Prop::Swap:       if (property.YesNo()) bigEndian_ = !bigEndian_; return true;
         // clang-format on
@@ -83,6 +82,9 @@ void RegisterNode::FinishRegister(Loader &loader, std::size_t limit)
         if (length <= 0 || static_cast<std::uint64_t>(length) > most)
             FailLoading(loader, AsNode(),
                         Say("has a Length of ", Text(length), ", 1 to ", std::to_string(most), " can be"));
+        constexpr std::uint64_t page = RegisterCache::Page::size;
+        const std::uint64_t end = static_cast<std::uint64_t>(address_) % page + static_cast<std::uint64_t>(length);
+        isInOnePage_ = !moves_ && end <= page;
         // An index without an offset counts registers.
         for (Offset &offset : offsets_)
             if (offset.factor == 0 && offset.factorNode == nullptr)
@@ -133,9 +135,27 @@ bool RegisterNode::IsRemembered() const
     return caching_ != CachingMode::NoCache && (port_ == nullptr || port_->IsCamera());
 }
 
-bool RegisterNode::IsExpired(MapState &map) const
+void RegisterNode::Poll(std::int64_t milliseconds, Node *block)
 {
-    return pollingTime_ > 0 && map.Now() - lastRead_ >= std::chrono::milliseconds(pollingTime_);
+    if (pollingTime_ != 0 && pollingTime_ <= milliseconds)
+        return;
+    pollingTime_ = milliseconds;
+    blockPolling_ = block;
+}
+
+bool RegisterNode::IsExpired(const Run &run) const
+{
+    if (pollingTime_ <= 0 || run.map.Now() - lastRead_ < std::chrono::milliseconds(pollingTime_))
+        return false;
+    if (blockPolling_ == nullptr || run.blocking)
+        return true;
+    Run ask{run.map, run.subject};
+    ask.blocking = true;
+    try {
+        return blockPolling_->GetInt(ask) == 0;
+    } catch (const Error &) {
+        return true; // better one transaction too many than a value that is too old
+    }
 }
 
 void RegisterNode::Read(Run &run, std::span<std::byte> data)
@@ -143,8 +163,8 @@ void RegisterNode::Read(Run &run, std::span<std::byte> data)
     if (accessMode_ == AccessMode::WriteOnly)
         AsNode().Fail(run, "cannot be read, it is write-only");
     const std::uint64_t address = AddressNow(run);
-    const bool ask = run.ignoreCache || !IsRemembered() || (pollingTime_ > 0 && moves_ && address != lastAddress_) ||
-                     IsExpired(run.map);
+    const bool ask =
+        run.ignoreCache || !IsRemembered() || (pollingTime_ > 0 && moves_ && address != lastAddress_) || IsExpired(run);
     if (!ask) {
         if (page_ ? page_->Read(address % RegisterCache::Page::size, data) : run.map.cache.Read(address, data))
             return;
@@ -160,8 +180,20 @@ void RegisterNode::ReadPort(Run &run, std::uint64_t address, std::span<std::byte
         else
             run.map.port.Read(address, data);
     });
-    if (IsRemembered())
-        Remember(run.map, address, data);
+    if (!IsRemembered())
+        return;
+    if (HasChanged(run.map, address, data))
+        run.map.Changed(AsNode());
+    Remember(run.map, address, data);
+}
+
+/// Whether the camera has another value than what was known of it.
+bool RegisterNode::HasChanged(MapState &map, std::uint64_t address, std::span<const std::byte> data) const
+{
+    constexpr std::size_t most = 64; // what others depend on is a number or a short text
+    std::array<std::byte, most> known;
+    const auto before = std::span(known).first(std::min(data.size(), most));
+    return map.cache.Read(address, before) && !std::equal(before.begin(), before.end(), data.begin());
 }
 
 void RegisterNode::Remember(MapState &map, std::uint64_t address, std::span<const std::byte> data)
@@ -169,9 +201,12 @@ void RegisterNode::Remember(MapState &map, std::uint64_t address, std::span<cons
     if (pollingTime_ > 0)
         lastRead_ = map.Now();
     lastAddress_ = address;
-    map.cache.Store(address, data);
-    if (!moves_ && address % RegisterCache::Page::size + data.size() <= RegisterCache::Page::size)
+    if (page_ == nullptr && isInOnePage_)
         page_ = map.cache.PageOf(address);
+    if (page_ != nullptr)
+        page_->Store(address % RegisterCache::Page::size, data);
+    else
+        map.cache.Store(address, data);
     if (moves_ && std::find(used_.begin(), used_.end(), address) == used_.end()) {
         constexpr std::size_t maxUsed = 256;
         if (used_.size() == maxUsed) {
@@ -190,7 +225,9 @@ void RegisterNode::Write(Run &run, std::span<const std::byte> data, std::span<co
         AsNode().Fail(run, "cannot be written, it is read-only");
     const std::uint64_t address = AddressNow(run);
     // Nothing is known of what a write leaves behind until it has succeeded.
-    if (port_ == nullptr || port_->IsCamera())
+    if (page_ != nullptr)
+        page_->Forget(address % RegisterCache::Page::size, data.size());
+    else if (port_ == nullptr || port_->IsCamera())
         run.map.cache.Forget(address, data.size());
     Transfer(run, AsNode(), "write", address, [&] {
         if (port_)

@@ -24,6 +24,9 @@ class RegisterNode {
     /// Makes the next read ask the camera.
     void ForgetValue(MapState &map);
 
+    /// Asks the camera again after @p milliseconds at the latest, unless @p block is not 0.
+    void Poll(std::int64_t milliseconds, Node *block);
+
     virtual Node &AsNode() = 0;
     const Node &AsNode() const { return const_cast<RegisterNode *>(this)->AsNode(); }
 
@@ -47,8 +50,9 @@ class RegisterNode {
     };
 
     bool IsRemembered() const;
-    bool IsExpired(MapState &map) const;
+    bool IsExpired(const Run &run) const;
     void ReadPort(Run &run, std::uint64_t address, std::span<std::byte> data);
+    bool HasChanged(MapState &map, std::uint64_t address, std::span<const std::byte> data) const;
     void Remember(MapState &map, std::uint64_t address, std::span<const std::byte> data);
 
     std::int64_t address_ = 0;
@@ -59,8 +63,10 @@ class RegisterNode {
     AccessMode accessMode_ = AccessMode::ReadOnly;
     CachingMode caching_ = CachingMode::WriteThrough;
     bool bigEndian_ = false;
-    bool moves_ = false; ///< the address is not constant
+    bool moves_ = false;       ///< the address is not constant
+    bool isInOnePage_ = false; ///< of the cache, always
     std::int64_t pollingTime_ = 0;
+    Node *blockPolling_ = nullptr;
     std::chrono::milliseconds lastRead_{};
     std::uint64_t lastAddress_ = 0;
     std::vector<std::uint64_t> used_; ///< addresses that a moving register has been read at
