@@ -28,9 +28,11 @@ LAYERS = [
     ("features", "src/features/*", "system camera node"),
     ("stream", "src/stream/*", "features"),
     ("event", "src/event/*", "features"),
-    # the virtual camera: its three headers are all that others see of it
-    ("vcam interface", "vcam/UsbFunction.h vcam/VirtualCamera.h vcam/Faults.h", ""),
-    ("vcam", "vcam/*", "vcam_interface"),
+    # the virtual camera: these headers are all that others see of it
+    ("vcam interface",
+     "vcam/UsbFunction.h vcam/VirtualCamera.h vcam/Faults.h vcam/ImageSource.h vcam/Complaint.h", ""),
+    ("vcam check", "vcam/config/Check.h vcam/config/Mistake.h", ""),
+    ("vcam", "vcam/*", "vcam_interface vcam_check"),
     # the transport
     ("u3v core", "u3v/core/*", "interface"),
     ("u3v genapi", "u3v/genapi/*", "u3v_core"),
@@ -39,8 +41,9 @@ LAYERS = [
     ("u3v emulation", "u3v/emulation/*", "u3v_protocol"),
     ("u3v parameters", "u3v/parameters/*", "u3v_protocol"),
     ("u3v api", "u3v/api/*", "u3v_parameters u3v_emulation"),
-    # the command line sees what applications see
-    ("tools", "tools/*", "header"),
+    # the command line sees what applications see; and it checks description files of virtual cameras, which the
+    # library knows nothing of, with the reader that makes the cameras: a second one would know other mistakes
+    ("tools", "tools/*", "header vcam_check"),
     # the exporter is a USB host adapter like the transport's loopback: it knows the device, not the library
     ("usbip", "tools/vcam-usbip/*", "vcam_interface"),
 ]

@@ -18,6 +18,13 @@ class Lights {
 
     void Fill(int64_t y, std::vector<Signal> &line)
     {
+        if (scene_.HasImage()) {
+            line.resize(width_);
+            for (size_t i = 0; i < width_; ++i) {
+                line[i] = scene_.Light(static_cast<int64_t>(i) - 1, y);
+            }
+            return;
+        }
         const Signal corner = scene_.Light(-1, y);
         // The first light of a line tells whether its board begins bright: red is the board and the column alone.
         std::vector<Signal> &board = boards_[corner.red == First().red ? 0 : 1];
@@ -56,7 +63,7 @@ class Lights {
 /// What development makes of each brightness, as long as colours do not mix.
 std::vector<Signal> MakeTones(const Scene &scene, const PictureSettings &settings)
 {
-    const int32_t brightest = settings.sharpness != 0 ? Scene::s_maxSharpLight : Scene::s_maxLight;
+    const int32_t brightest = settings.sharpness != 0 ? scene.MaxSharpLight() : scene.MaxLight();
     std::vector<Signal> tones;
     tones.reserve(static_cast<size_t>(brightest) + 1);
     const bool isFinished = !scene.Develop().MixesColours();

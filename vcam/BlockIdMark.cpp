@@ -22,9 +22,12 @@ constexpr std::uint8_t s_digits[10][7] = {
 
 BlockIdMark::BlockIdMark(const PictureSettings &settings, uint64_t block)
     : block_(block),
-      bitColumns_(std::min(settings.width, 64u)),
+      bitColumns_(settings.showsBlockId ? std::min(settings.width, 64u) : 0),
       scale_(std::clamp(std::min(settings.width / 160, settings.height / 100), 1u, 8u))
 {
+    if (!settings.showsBlockId) {
+        return;
+    }
     do {
         digits_[digitCount_++] = static_cast<std::uint8_t>(block % 10);
         block /= 10;

@@ -19,8 +19,12 @@ class BlockIdMark {
     bool Bit(std::uint32_t x) const { return (block_ >> (bitColumns_ - 1 - x) & 1) != 0; }
     /// Side of the squares that the digits and their box are made of.
     std::uint32_t Scale() const { return scale_; }
-    Interval BoxLines() const { return {scale_, std::int64_t{scale_} * 10 - 1}; }
-    Interval BoxColumns() const { return {scale_, std::int64_t{scale_} * (2 + 6 * digitCount_) - 1}; }
+    /// Empty when the settings show no mark.
+    Interval BoxLines() const { return {scale_, digitCount_ == 0 ? 0 : std::int64_t{scale_} * 10 - 1}; }
+    Interval BoxColumns() const
+    {
+        return {scale_, digitCount_ == 0 ? 0 : std::int64_t{scale_} * (2 + 6 * digitCount_) - 1};
+    }
 
   private:
     std::uint64_t block_;

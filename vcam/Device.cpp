@@ -64,7 +64,8 @@ Device::Device(const CameraConfig &config)
       ackOutbox_(
           control_, [this] { return TakeAck(); }, [this] { AckSent(); }),
       eventOutbox_(
-          event_, [this] { return TakeEvents(); }, nullptr)
+          event_, [this] { return TakeEvents(); }, nullptr),
+      feed_(MakeImageFeed(config.image, config.seed, "camera " + config.serial))
 {
     PowerUp();
     if (!config_.stateFile.empty()) {
@@ -87,6 +88,9 @@ Device::~Device()
     }
     stream_.Abort();
     wake_.notify_all();
+    if (feed_ != nullptr) {
+        feed_->Cancel();
+    }
     sensor_.join();
     for (InEndpoint *endpoint : {&control_, &event_, &stream_}) {
         endpoint->SetGone(true);

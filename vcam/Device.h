@@ -18,6 +18,7 @@
 #include "vcam/SelectedRegisters.h"
 #include "vcam/StateFile.h"
 #include "vcam/VirtualCamera.h"
+#include "vcam/image/ImageFeed.h"
 
 #include <chrono>
 #include <map>
@@ -163,6 +164,8 @@ class Device final : public VirtualCamera, private GenCpMemory {
     // DevicePicture.cpp: what the next image depends on
     PictureSettings Settings() const;
     std::uint32_t Exposure() const;
+    /// Called without the lock: an image of one's own may take its time.
+    std::span<const std::byte> Draw(const Shot &shot);
 
     // DeviceSensor.cpp
     std::uint64_t DeviceTime() const;
@@ -256,7 +259,8 @@ class Device final : public VirtualCamera, private GenCpMemory {
     EventQueue events_;
     InEndpoint control_, event_, stream_;
     Outbox ackOutbox_, eventOutbox_;
-    Painter painter_; // the sensor's thread alone
+    const std::unique_ptr<ImageFeed> feed_; // null: the camera's own scene
+    Painter painter_;                       // the sensor's thread alone, as the images of the feed
     std::thread sensor_;
     Alarm alarm_;
 };

@@ -1,5 +1,6 @@
 #include "vcam/Device.h"
 #include "vcam/DeviceRegisterTable.h"
+#include "vcam/Random.h"
 
 namespace Orvi::Vcam {
 
@@ -44,7 +45,22 @@ PictureSettings Device::Settings() const
             settings.corrected.push_back({registers_.Word(entry), registers_.Word(entry + 4)});
         }
     }
+    settings.isImageCentred = config_.image.placement == ImageSource::Placement::Centred;
+    settings.showsSubject = config_.image.subject;
+    settings.showsBlockId = config_.image.blockId;
+    settings.showsDefects = config_.image.defects;
+    settings.subjectStart = config_.seed == 0 ? 0 : RandomNumber(config_.seed, 0) % 100000;
     return settings;
+}
+
+std::span<const std::byte> Device::Draw(const Shot &shot)
+{
+    if (feed_ == nullptr) {
+        return painter_.Draw(shot.settings, shot.block);
+    }
+    PictureSettings settings = shot.settings;
+    settings.image = feed_->ImageOf(shot.block);
+    return painter_.Draw(settings, shot.block);
 }
 
 /// Of the next image: the sequential shutter's, when it is on.

@@ -63,7 +63,7 @@ bool Device::SendFrame(Lock &lock, const Shot &shot)
     const Sending sending{acquisition_.run, stream_.Epoch()};
     isInFrame_ = isTransferring_ = true;
     lock.unlock();
-    const std::span image = painter_.Draw(settings, shot.block);
+    const std::span image = Draw(shot);
     const std::size_t lineBytes = image.size() / settings.height;
     const std::uint16_t imageType = 1;
 

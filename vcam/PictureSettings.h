@@ -3,6 +3,7 @@
 
 #include "vcam/Defects.h"
 #include "vcam/PixelFormats.h"
+#include "vcam/image/SceneImage.h"
 
 #include <array>
 #include <vector>
@@ -28,6 +29,10 @@ struct PictureSettings {
     std::array<std::int32_t, 9> matrix{1000, 0, 0, 0, 1000, 0, 0, 0, 1000}; ///< colours from colours, in thousandths
     std::vector<std::uint16_t> lut{};     ///< 1024 entries of 10 bits; empty when it is off
     std::vector<SensorPixel> corrected{}; ///< pixels that are filled in from their neighbours
+    SceneImagePtr image{};                ///< what the sensor sees instead of the camera's own scene
+    bool isImageCentred = false;          ///< else it is repeated from the top left corner on
+    bool showsSubject = true, showsBlockId = true, showsDefects = true;
+    std::uint64_t subjectStart = 0; ///< blocks that the subject is ahead
 
     bool operator==(const PictureSettings &) const = default;
     const PixelFormat &Format() const;

@@ -65,6 +65,9 @@ Scene::Scene(const PictureSettings &settings)
     for (const SensorPixel &pixel : settings.corrected) {
         AddBlemish(pixel, Blemish::Kind::Corrected);
     }
+    if (!settings.showsDefects) {
+        return;
+    }
     for (const Defect &defect : DefectsOf(settings.sensorWidth, settings.sensorHeight)) {
         AddBlemish(defect, defect.isWhite ? Blemish::Kind::White : Blemish::Kind::Black);
     }
@@ -111,15 +114,33 @@ int64_t Scene::SensorY(int64_t y) const
     return (settings_.offsetY + (settings_.reverseY ? int64_t{settings_.height} - 1 - y : y)) * stepY_;
 }
 
-/// Colours that change over the sensor, under a chessboard.
+/// An image in front of the sensor, or colours that change over it, under a chessboard.
 Signal Scene::Light(int64_t x, int64_t y) const
 {
     const auto sensorX = static_cast<uint32_t>(std::clamp<int64_t>(SensorX(x), 0, settings_.sensorWidth - 1));
     const auto sensorY = static_cast<uint32_t>(std::clamp<int64_t>(SensorY(y), 0, settings_.sensorHeight - 1));
+    if (HasImage()) {
+        return ImageLight(sensorX, sensorY);
+    }
     const auto right = static_cast<int32_t>(1600 * sensorX / settings_.sensorWidth);
     const auto down = static_cast<int32_t>(1600 * sensorY / settings_.sensorHeight);
     const int32_t floor = (sensorX / 64 + sensorY / 64) % 2 != 0 ? 250 : 400;
     return {floor + right, floor + down, floor + 1600 - right};
+}
+
+Signal Scene::ImageLight(uint32_t sensorX, uint32_t sensorY) const
+{
+    const SceneImage &image = *settings_.image;
+    int64_t x = sensorX % image.width, y = sensorY % image.height;
+    if (settings_.isImageCentred) {
+        x = int64_t{sensorX} - (int64_t{settings_.sensorWidth} - image.width) / 2;
+        y = int64_t{sensorY} - (int64_t{settings_.sensorHeight} - image.height) / 2;
+        if (x < 0 || y < 0 || x >= image.width || y >= image.height) {
+            return Grey(0);
+        }
+    }
+    const std::uint16_t *sample = image.At(static_cast<uint32_t>(x), static_cast<uint32_t>(y));
+    return image.channels == 1 ? Grey(*sample) : Signal{sample[0], sample[1], sample[2]};
 }
 
 Signal Scene::SharpLight(int64_t x, int64_t y) const
@@ -176,8 +197,9 @@ Subject Scene::SubjectOf(uint64_t block) const
     const uint32_t radius = std::max(2u, std::min(width, height) / 24);
     const uint64_t stepX = std::max(1u, width / 120);
     const uint64_t stepY = std::max(1u, height / 170);
-    return {Swing(block * stepX, int64_t{width} - 2 * radius) + radius,
-            Swing(block * stepY, int64_t{height} - 2 * radius) + radius, radius};
+    const uint64_t way = block + settings_.subjectStart;
+    return {Swing(way * stepX, int64_t{width} - 2 * radius) + radius,
+            Swing(way * stepY, int64_t{height} - 2 * radius) + radius, radius};
 }
 
 /// The columns or lines of an image that show what lies on the sensor within half of centre.
@@ -191,6 +213,9 @@ static Interval Shown(int64_t centre, int64_t half, int64_t step, uint32_t offse
 
 Interval Scene::SubjectLines(const Subject &subject) const
 {
+    if (!settings_.showsSubject) {
+        return {0, -1};
+    }
     return Shown(subject.y, subject.radius, stepY_, settings_.offsetY, settings_.height, settings_.reverseY);
 }
 
@@ -203,6 +228,9 @@ Interval Scene::SubjectColumns(const Subject &subject, int64_t line) const
 
 bool Scene::ShowsSubject(const Subject &subject, uint32_t x, uint32_t y) const
 {
+    if (!settings_.showsSubject) {
+        return false;
+    }
     const int64_t right = SensorX(x) - subject.x;
     const int64_t down = SensorY(y) - subject.y;
     return right * right + down * down <= subject.radius * subject.radius;

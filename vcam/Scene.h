@@ -43,11 +43,14 @@ class Scene {
     /// Light at a place of the image or just beside it, without sharpening.
     Signal Light(std::int64_t x, std::int64_t y) const;
     /// No light is brighter than this, and none that is sharpened.
-    static constexpr std::int32_t s_maxLight = 2000, s_maxSharpLight = 5 * s_maxLight;
+    std::int32_t MaxLight() const { return settings_.image != nullptr ? s_white : 2000; }
+    std::int32_t MaxSharpLight() const { return 5 * MaxLight(); }
+    bool HasImage() const { return settings_.image != nullptr; }
 
   private:
     std::int64_t SensorX(std::int64_t x) const;
     std::int64_t SensorY(std::int64_t y) const;
+    Signal ImageLight(std::uint32_t sensorX, std::uint32_t sensorY) const;
     Signal SharpLight(std::int64_t x, std::int64_t y) const;
     void AddBlemish(SensorPixel pixel, Blemish::Kind kind);
 

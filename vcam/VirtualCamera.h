@@ -3,6 +3,7 @@
 // a moving subject, and faults on demand. Nothing here knows the host's side.
 
 #include "Faults.h"
+#include "ImageSource.h"
 #include "UsbFunction.h"
 
 #include <cstdint>
@@ -37,6 +38,7 @@ struct CameraConfig {
     std::optional<LinkSpeed> speedRegister; ///< what the camera's register tells, when it is another
     /// Cameras with the same seed show the same images and have the same faults.
     std::uint64_t seed = 0;
+    ImageSource image;
     FaultScript faults;
     /// The text of another model's description: the camera then has the registers that it names. Empty: its own.
     std::string xml;

@@ -13,13 +13,16 @@ TEST(VirtualBench, MakesAsManyCamerasAsTheVariableAsksForAndKeepsThem)
     EXPECT_TRUE(bench.Cameras().empty());
 
     for (const char *wrong : {"two", "2x", "-1", "65", "1.5"}) {
+        const bool isPath = std::string(wrong).find_first_of("twox") != std::string::npos;
         setenv("ORVI_VIRTUAL_CAMERAS", wrong, 1);
         testing::internal::CaptureStderr();
         EXPECT_TRUE(bench.Cameras().empty()) << wrong;
         EXPECT_TRUE(bench.Cameras().empty());
         const std::string said = testing::internal::GetCapturedStderr();
         EXPECT_EQ(said, std::string("ORVI_VIRTUAL_CAMERAS=") + wrong +
-                            ": takes a number of virtual cameras from 0 to 64; there are none\n");
+                            ": takes a number of virtual cameras from 0 to 64 or the path of a description file; " +
+                            (isPath ? "this one cannot be read: No such file or directory; " : "") +
+                            "there are none\n");
     }
 
     setenv("ORVI_VIRTUAL_CAMERAS", "2", 1);

@@ -115,10 +115,10 @@ constexpr char s_noCamera[] =
 
 } // namespace
 
-Session::Session(const std::optional<unsigned> &virtualCameras)
+Session::Session(const std::optional<std::string> &virtualCameras)
 {
     if (virtualCameras)
-        setenv("ORVI_VIRTUAL_CAMERAS", std::to_string(*virtualCameras).c_str(), 1);
+        setenv("ORVI_VIRTUAL_CAMERAS", virtualCameras->c_str(), 1);
     const std::filesystem::path tried = FindSdkBesideProgram();
     if (const CAM_API_STATUS status = Sys_Initialize(SYS_INIT_ALL); status != CAM_API_STS_SUCCESS)
         throw NoTransport(status, tried);

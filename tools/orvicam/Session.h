@@ -24,7 +24,7 @@ enum class Default { All, TheOnly };
 class Session {
   public:
     /// Looks for the SDK beside the program when ORVICAMSDK is unset; asks for virtual cameras when told how many.
-    explicit Session(const std::optional<unsigned> &virtualCameras);
+    explicit Session(const std::optional<std::string> &virtualCameras);
     ~Session();
     Session(const Session &) = delete;
     Session &operator=(const Session &) = delete;

@@ -13,8 +13,8 @@ namespace Orvi::Tool {
 
 /// The command line.
 struct Options {
-    std::vector<std::string> cameras; ///< names; empty when none was given
-    std::optional<unsigned> virtualCameras;
+    std::vector<std::string> cameras;          ///< names; empty when none was given
+    std::optional<std::string> virtualCameras; ///< how many, or the file that describes them
     bool json = false;
 
     std::vector<std::string> features; ///< of get and describe
@@ -34,7 +34,7 @@ struct Options {
     std::optional<unsigned> eventTimeout;    ///< ms
     bool stream = true;                      ///< take images, so that there are events of them
 
-    std::string file; ///< of save and load
+    std::string file; ///< of save, load and vcam check
     bool defectivePixels = false;
 
     std::string root = "/"; ///< of doctor: where /sys, /dev and /etc are looked for
@@ -51,6 +51,7 @@ void Values(const Options &options);
 void Describe(const Options &options);
 void Save(const Options &options);
 void Load(const Options &options);
+void VcamCheck(const Options &options);
 void Doctor(const Options &options);
 
 } // namespace Orvi::Tool

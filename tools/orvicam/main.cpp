@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include <exception>
+#include <fstream>
 #include <iostream>
 #include <string>
 
@@ -28,7 +29,8 @@ Exit codes:
   130  interrupted with Ctrl-C
 
 Environment: ORVICAMSDK names the SDK folder (default: the folder above this program's, then /opt/OrviCamSDK),
-ORVI_VIRTUAL_CAMERAS=N asks for N virtual cameras as --virtual N does.)";
+ORVI_VIRTUAL_CAMERAS=N asks for N virtual cameras, ORVI_VIRTUAL_CAMERAS=FILE for those of a description file, as
+--virtual does.)";
 
 using Verb = void (*)(const Options &);
 
@@ -131,6 +133,30 @@ void AddImageVerbs(const Adder &add, Options &options)
         "--no-stream", [&options] { options.stream = false; }, "take no images meanwhile");
 }
 
+void AddVcamVerbs(CLI::App &app, Verb &chosen, Options &options)
+{
+    CLI::App *vcam = app.add_subcommand("vcam", "virtual cameras");
+    vcam->require_subcommand(1);
+    CLI::App *check = vcam->add_subcommand("check", "what is wrong with a description file of virtual cameras");
+    check->callback([&chosen] { chosen = VcamCheck; });
+    check->add_option("file", options.file, "the file, as ORVI_VIRTUAL_CAMERAS names it")
+        ->required()
+        ->option_text("FILE");
+    check->footer("Exit codes: 0 nothing is wrong, 1 mistakes, 8 the file cannot be read. Also --json");
+}
+
+/// Of --virtual: what is wrong with the value, else "".
+std::string CheckVirtual(const std::string &value)
+{
+    unsigned count = 0;
+    const bool isNumber = value.find_first_not_of("0123456789") == std::string::npos;
+    if (isNumber && CLI::detail::lexical_cast(value, count) && count <= 64)
+        return "";
+    if (!isNumber && std::ifstream(value).good())
+        return "";
+    return value + " is neither a number of virtual cameras from 0 to 64 nor a file that can be read";
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -145,12 +171,13 @@ int main(int argc, char **argv)
     app.add_option("-c,--camera", options.cameras, "which camera; may be given several times")
         ->allow_extra_args(false)
         ->option_text("NAME");
-    app.add_option("--virtual", options.virtualCameras, "work with N virtual cameras, 0 to 64")
-        ->check(CLI::Range(0u, 64u))
-        ->option_text("N");
+    app.add_option("--virtual", options.virtualCameras, "work with N virtual cameras, 0 to 64, or those of a file")
+        ->check(CLI::Validator(CheckVirtual, ""))
+        ->option_text("N|FILE");
     app.add_flag("--json", options.json, "print JSON");
     AddFeatureVerbs(Adder(app, verb), options);
     AddImageVerbs(Adder(app, verb), options);
+    AddVcamVerbs(app, verb, options);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {

@@ -1,10 +1,15 @@
 #include "u3v/usb/Enumerator.h"
 
+#include "u3v/core/LastError.h"
+#include "u3v/core/Log.h"
 #include "u3v/usb/LibusbDevice.h"
 #include "u3v/usb/LoopbackLink.h"
+#include "vcam/Complaint.h"
 #include "vcam/VirtualCamera.h"
 
 #include <cstdlib>
+#include <mutex>
+#include <string>
 #include <string_view>
 
 namespace Orvi::U3v {
@@ -34,6 +39,19 @@ bool IsKindWanted(std::string_view kind)
     return false;
 }
 
+/// Puts into the log, and where applications ask why, what virtual cameras print: a description file with a mistake, an
+/// image that cannot be read.
+void ListenToVirtualCameras()
+{
+    static std::once_flag s_once;
+    std::call_once(s_once, [] {
+        Vcam::ListenToComplaints([](const std::string &text) {
+            LogDevice(CAM_LOG_LEVEL_ERROR, "%s", text.c_str());
+            SetLastGenICamError(text);
+        });
+    });
+}
+
 } // namespace
 
 std::vector<std::shared_ptr<UsbDevice>> EnumerateDevices()
@@ -41,10 +59,12 @@ std::vector<std::shared_ptr<UsbDevice>> EnumerateDevices()
     std::vector<std::shared_ptr<UsbDevice>> devices;
     if (IsKindWanted("usb"))
         devices = EnumerateUsbDevices(LibusbContext::Instance());
-    if (IsKindWanted("virtual"))
+    if (IsKindWanted("virtual")) {
+        ListenToVirtualCameras();
         for (const auto &camera : Vcam::VirtualBench::Instance().Cameras())
             if (camera->IsPlugged())
                 devices.push_back(std::make_shared<VirtualDevice>(camera));
+    }
     return devices;
 }
 
