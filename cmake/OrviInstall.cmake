@@ -32,3 +32,8 @@ foreach(_program orvicam orvi-vcam-usbip)
     install(TARGETS ${_program} RUNTIME DESTINATION bin)
   endif()
 endforeach()
+if(TARGET orvicam)
+  configure_file(tools/orvicam/completion.bash "${ORVI_SDK_DIR}/share/bash-completion/completions/orvicam" COPYONLY)
+  install(FILES "${ORVI_SDK_DIR}/share/bash-completion/completions/orvicam"
+    DESTINATION share/bash-completion/completions)
+endif()
