@@ -28,7 +28,7 @@ constexpr auto Never = Locked::Never, WhileStreaming = Locked::WhileStreaming;
 constexpr ControlBlock s_blocks[] = {
     // base                      kind    inquiry                      mode  limits: N, D, min, max or values        value   locked
     {Block::ImageFormatSelector, Choice, s_writable,                     0, Values({0, 1, 2}),                          0, WhileStreaming},
-    {Block::PixelCoding,         Choice, s_writable,                     0, Values({0x00, 0x20, 0x2A, 0x42, 0x4A, 0x60, 0x63, 0x66, 0x69}), 0, WhileStreaming},
+    {Block::PixelCoding,         Choice, s_writable,                     0, Values({0x00, 0x20, 0x22, 0x2A, 0x42, 0x4A, 0x60, 0x63, 0x66, 0x69}), 0, WhileStreaming},
     {Block::PixelSize,           Choice, s_writable,                     0, Values({8, 10, 12, 16, 24}),                8, WhileStreaming},
     {Block::AcquisitionCommand,  Action, s_triggers | 0x01000000,        0, Values({0, 1, 8, 9, 0xA}),                  0, Never},
     {Block::FrameCount,          Number, s_writable,                     0, {1, 1, 1, 0xFFFF},                          1, Never},

@@ -47,6 +47,7 @@ inline constexpr PixelFormat s_pixelFormats[] = {
     {0x0110000F, 0x69,  10,    Colours::Bayer, 10,  2,   1, 1, "BayerBG10"},
     {0x01100013, 0x69,  12,    Colours::Bayer, 12,  2,   1, 1, "BayerBG12"},
     {0x02180014, 0x20,  24,    Colours::Rgb,    8,  3,   0, 0, "RGB8"},
+    {0x02180014, 0x22,  24,    Colours::Rgb,    8,  3,   0, 0, "RGB8"}, // by its other coding; the first row is the one that a camera shows
     {0x02180015, 0x2A,  24,    Colours::Bgr,    8,  3,   0, 0, "BGR8"},
     {0x020C001E, 0x42,  12,    Colours::Yuv411, 8,  1,   0, 0, "YUV411_8_UYYVYY"},
     {0x0210001F, 0x4A,  16,    Colours::Yuv422, 8,  2,   0, 0, "YUV422_8_UYVY"},

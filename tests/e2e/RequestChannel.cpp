@@ -28,7 +28,7 @@ void RequestChannel::EnqueueAll()
 
 void RequestChannel::Enqueue(CAM_HANDLE hRequest) { EXPECT_EQ(Strm_EnqueueRequest(hStrm_, hRequest), 0u); }
 
-void RequestChannel::Start() { EXPECT_EQ(Strm_Start(hStrm_, CAM_ACQ_MODE_CONTINUOUS), 0u); }
+void RequestChannel::Start(CAM_ACQ_MODE eAcqMode) { EXPECT_EQ(Strm_Start(hStrm_, eAcqMode), 0u); }
 
 void RequestChannel::Stop() { EXPECT_EQ(Strm_Stop(hStrm_), 0u); }
 

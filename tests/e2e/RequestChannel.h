@@ -30,7 +30,7 @@ class RequestChannel {
 
     void EnqueueAll();
     void Enqueue(CAM_HANDLE hRequest);
-    void Start();
+    void Start(CAM_ACQ_MODE eAcqMode = CAM_ACQ_MODE_CONTINUOUS);
     void Stop();
     void Flush();
 

@@ -27,7 +27,7 @@ struct Row {
 constexpr Row s_map[] = {
     // base    inquiry                          mode  N, D, min, max or mask                                       value
     {0x202020, s_readWrite,                      0, {Bits({0, 1, 2}), 0, 0, 0},                                       0},
-    {0x2020C0, s_readWrite,                      0, {1, Bits({0, 10}), Bits({2, 10}), Bits({0, 3, 6, 9})},            0},
+    {0x2020C0, s_readWrite,                      0, {1, Bits({0, 2, 10}), Bits({2, 10}), Bits({0, 3, 6, 9})},         0},
     {0x2020E0, s_readWrite,                      0, {Bits({8, 10, 12, 16, 24}), 0, 0, 0},                             8},
     {0x203020, s_readWrite,                      0, {Bits({0, 1, 8, 9, 10}), 0, 0, 0},                                0},
     {0x203040, s_readWrite,                      0, {1, 1, 1, 0xFFFF},                                                1},

@@ -1,0 +1,133 @@
+// Pixel formats and test patterns.
+
+#include "tests/effects/EffectTest.h"
+
+namespace Orvi::Testing {
+namespace {
+
+/// The formats that have a pair of registers, and their names.
+struct FormatRow {
+    CAM_PIXEL_FORMAT code;
+    const char *name;
+    uint32_t coding, size;
+};
+// clang-format off
+constexpr FormatRow formats[] = {
+    {CAM_PIXEL_FORMAT_MONO8,           "Mono8",           0x00,  8},
+    {CAM_PIXEL_FORMAT_MONO10,          "Mono10",          0x00, 10},
+    {CAM_PIXEL_FORMAT_MONO12,          "Mono12",          0x00, 12},
+    {CAM_PIXEL_FORMAT_MONO16,          "Mono16",          0x00, 16},
+    {CAM_PIXEL_FORMAT_BAYERGR8,        "BayerGR8",        0x60,  8},
+    {CAM_PIXEL_FORMAT_BAYERGR10,       "BayerGR10",       0x60, 10},
+    {CAM_PIXEL_FORMAT_BAYERGR12,       "BayerGR12",       0x60, 12},
+    {CAM_PIXEL_FORMAT_BAYERRG8,        "BayerRG8",        0x63,  8},
+    {CAM_PIXEL_FORMAT_BAYERRG10,       "BayerRG10",       0x63, 10},
+    {CAM_PIXEL_FORMAT_BAYERRG12,       "BayerRG12",       0x63, 12},
+    {CAM_PIXEL_FORMAT_BAYERGB8,        "BayerGB8",        0x66,  8},
+    {CAM_PIXEL_FORMAT_BAYERGB10,       "BayerGB10",       0x66, 10},
+    {CAM_PIXEL_FORMAT_BAYERGB12,       "BayerGB12",       0x66, 12},
+    {CAM_PIXEL_FORMAT_BAYERBG8,        "BayerBG8",        0x69,  8},
+    {CAM_PIXEL_FORMAT_BAYERBG10,       "BayerBG10",       0x69, 10},
+    {CAM_PIXEL_FORMAT_BAYERBG12,       "BayerBG12",       0x69, 12},
+    {CAM_PIXEL_FORMAT_RGB8,            "RGB8",            0x20, 24},
+    {CAM_PIXEL_FORMAT_BGR8,            "BGR8",            0x2A, 24},
+    {CAM_PIXEL_FORMAT_YUV411_8_UYYVYY, "YUV411_8_UYYVYY", 0x42, 12},
+    {CAM_PIXEL_FORMAT_YUV422_8_UYVY,   "YUV422_8_UYVY",   0x4A, 16},
+};
+// clang-format on
+constexpr uint64_t codingValue = 0x2020DC, sizeValue = 0x2020FC;
+
+class FormatEffectTest : public EffectTest {
+  protected:
+    /// Format, payload size and image are those of the row, whichever road asks.
+    void ExpectFormat(const FormatRow &row)
+    {
+        SCOPED_TRACE(row.name);
+        settings_.pixelFormat = row.code;
+        CAM_PIXEL_FORMAT format{};
+        EXPECT_EQ(GetCamPixelFormat(hCam, &format), 0u);
+        EXPECT_EQ(format, row.code);
+        EXPECT_EQ(EnumNode("PixelFormat"), row.name);
+        uint32_t payload = 0;
+        EXPECT_EQ(GetCamStreamPayloadSize(hCam, &payload), 0u);
+        EXPECT_EQ(payload, 160u * 120u * (row.code >> 16 & 0xFF) / 8) << "the code tells the bits of a pixel";
+        ExpectPicture();
+    }
+};
+
+TEST_F(FormatEffectTest, EveryFormatWithARegisterPairSetByFunction)
+{
+    ASSERT_EQ(SetCamGain(hCam, 2.5), 0u); // so that low bits are not all zero
+    settings_.gain = 250;
+    for (const FormatRow &row : formats) {
+        ASSERT_EQ(SetCamPixelFormat(hCam, row.code), 0u) << row.name;
+        EXPECT_EQ(ReadWord(hCam, codingValue), row.coding) << row.name;
+        EXPECT_EQ(ReadWord(hCam, sizeValue), row.size) << row.name;
+        ExpectFormat(row);
+    }
+}
+
+TEST_F(FormatEffectTest, EveryFormatSetByNode)
+{
+    for (const FormatRow &row : formats) {
+        SetEnum(hCam, "PixelFormat", row.name);
+        ExpectFormat(row);
+    }
+}
+
+TEST_F(FormatEffectTest, EveryFormatSetByItsRegisters)
+{
+    for (const FormatRow &row : formats) {
+        WriteWord(hCam, codingValue, row.coding);
+        WriteWord(hCam, sizeValue, row.size);
+        ExpectFormat(row);
+    }
+}
+
+TEST_F(FormatEffectTest, PackedColoursAreAnotherCodeForTheSameFormat)
+{
+    WriteWord(hCam, codingValue, 0x22);
+    WriteWord(hCam, sizeValue, 24);
+    ExpectFormat({CAM_PIXEL_FORMAT_RGB8, "RGB8", 0x22, 24});
+}
+
+TEST_F(FormatEffectTest, FormatsWithoutARegisterPairAreRefused)
+{
+    ASSERT_EQ(SetCamPixelFormat(hCam, CAM_PIXEL_FORMAT_MONO12), 0u);
+    for (const CAM_PIXEL_FORMAT format : {CAM_PIXEL_FORMAT_BGR10, CAM_PIXEL_FORMAT_BGR12, CAM_PIXEL_FORMAT_YUV8_UYV,
+                                          CAM_PIXEL_FORMAT{0}, CAM_PIXEL_FORMAT{0x01080002}})
+        EXPECT_EQ(SetCamPixelFormat(hCam, format), CAM_API_STS_INVALID_PARAMETER) << std::hex << format;
+    ExpectFormat(formats[2]);
+}
+
+TEST_F(FormatEffectTest, FormatsWithWindowsAndMirrors)
+{
+    ASSERT_EQ(
+        SetCamRoi(hCam, settings_.width = 84, settings_.height = 34, settings_.offsetX = 900, settings_.offsetY = 600),
+        0u);
+    ASSERT_EQ(SetCamReverseX(hCam, settings_.reverseX = true), 0u);
+    for (const CAM_PIXEL_FORMAT format : {CAM_PIXEL_FORMAT_BAYERBG12, CAM_PIXEL_FORMAT_YUV411_8_UYYVYY,
+                                          CAM_PIXEL_FORMAT_YUV422_8_UYVY, CAM_PIXEL_FORMAT_BGR8}) {
+        ASSERT_EQ(SetCamPixelFormat(hCam, format), 0u);
+        settings_.pixelFormat = format;
+        ExpectPicture();
+    }
+}
+
+TEST_F(FormatEffectTest, TestPatternsTakeThePlaceOfTheSensor)
+{
+    for (uint32_t pattern = 0; pattern <= 8; ++pattern) {
+        ASSERT_EQ(SetCamTestPattern(hCam, CAM_TEST_PATTERN_TYPE(pattern)), 0u);
+        settings_.testPattern = pattern;
+        CAM_TEST_PATTERN_TYPE now{};
+        EXPECT_EQ(GetCamTestPattern(hCam, &now), 0u);
+        EXPECT_EQ(uint32_t(now), pattern);
+        ExpectPicture();
+    }
+    EXPECT_EQ(SetCamTestPattern(hCam, CAM_TEST_PATTERN_TYPE(9)), CAM_API_STS_NOT_AVAILABLE);
+    EXPECT_EQ(SetCamTestPattern(hCam, CAM_TEST_PATTERN_TYPE(128)), CAM_API_STS_UNSUCCESSFUL);
+    ExpectPicture();
+}
+
+} // namespace
+} // namespace Orvi::Testing
