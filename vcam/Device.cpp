@@ -177,6 +177,12 @@ TransferStatus Device::Execute(std::span<const std::byte> command)
         SetHalt(Endpoint::ControlIn);
         return TransferStatus::Completed;
     }
+    {
+        const std::lock_guard lock(mutex_);
+        if (isUnplugRequested_) {
+            return TransferStatus::Completed; // by a rule about what the command has written: nobody answers any more
+        }
+    }
     QueueAcks(command, std::move(*ack), faults);
     return TransferStatus::Completed;
 }

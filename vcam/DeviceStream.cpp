@@ -113,19 +113,20 @@ bool Device::SendPayload(const Sending &sending, std::span<const std::byte> payl
     for (std::size_t slot = 0; sent != payload.size(); ++slot) {
         const std::size_t size =
             slot < slots.count ? slots.size : slots.finalSizes[std::min<std::size_t>(slot - slots.count, 1)];
-        const std::span part = payload.subspan(sent, std::min(size, payload.size() - sent));
-        if (stallAt && *stallAt >= sent && *stallAt < sent + part.size()) {
-            const std::span before = part.first(*stallAt - sent);
-            if (!before.empty() && !SendMessage(sending, {.data = before, .ending = Ending::Open})) {
-                return false;
-            }
-            stream_.SetHalt();
+        std::span part = payload.subspan(sent, std::min(size, payload.size() - sent));
+        const bool isStalling = stallAt && *stallAt >= sent && *stallAt < sent + part.size();
+        if (isStalling) {
+            part = part.first(*stallAt - sent);
         }
         if (!part.empty() &&
             !SendMessage(sending, {.data = part, .ending = part.size() == size ? Ending::Open : Ending::ZeroLength})) {
             return false;
         }
         sent += part.size();
+        if (isStalling) {
+            stream_.SetHalt();
+            return SendMessage(sending, {.data = payload.subspan(sent)}); // waits until the halt is cleared
+        }
     }
     return true;
 }

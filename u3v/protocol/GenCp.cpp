@@ -1,5 +1,6 @@
 #include "u3v/protocol/GenCp.h"
 
+#include "u3v/core/Log.h"
 #include "u3v/core/Status.h"
 #include "u3v/protocol/Wire.h"
 
@@ -143,11 +144,15 @@ std::span<const std::byte> GenCp::Transact(const Command &command)
         if (outcome == Outcome::NoAnswer) {
             // The same command again, so marked that the camera does not execute it a second time.
             flags = ackWanted | isResend;
+            LogDevice(CAM_LOG_LEVEL_WARN, "%s has not answered within %lld ms: asked again",
+                      link_.Identity().serial.c_str(), static_cast<long long>(limits_.responseTime.count()));
             continue;
         }
         if (outcome == Outcome::Stalled) {
             link_.ClearHalt(Pipe::Control);
             flags = ackWanted | isResend;
+            LogDevice(CAM_LOG_LEVEL_WARN, "%s has halted its control endpoints: cleared",
+                      link_.Identity().serial.c_str());
             continue;
         }
         const auto code = Load<std::uint16_t>(ack, 4);
@@ -272,7 +277,11 @@ void GenCp::Fail(const Command &command, CAM_API_STATUS status, const std::strin
     char what[96];
     std::snprintf(what, sizeof what, ": %s %zu bytes at 0x%llX: ", command.id == readMem ? "reading" : "writing",
                   command.count, static_cast<unsigned long long>(command.address));
-    throw StatusError(status, "camera " + link_.Identity().serial + what + why);
+    const std::string text = "camera " + link_.Identity().serial + what + why;
+    // A refusal may be what the caller wants to know; silence never is.
+    LogDevice(status == CAM_API_STS_CAMERA_NOT_RESPONDING ? CAM_LOG_LEVEL_WARN : CAM_LOG_LEVEL_INFO, "%s",
+              text.c_str());
+    throw StatusError(status, text);
 }
 
 } // namespace Orvi::U3v

@@ -105,6 +105,7 @@ class StreamEngine final : private BulkIn::Listener, private Camera::Channel {
     int realigned_ = 0; // times in a row
     Deadline notBefore_{};
     std::optional<std::uint64_t> lastBlockId_;
+    std::uint64_t toldBlockId_ = 0; // of the last frame, wrong or not
     std::atomic<std::uint64_t> lostCount_ = 0;
     std::atomic<bool> isRefused_ = false; // the link had no memory for a transfer
 

@@ -170,7 +170,12 @@ void StreamEngine::CountLost(Request &request, std::uint64_t blockId)
         lostCount_ += lost;
         request.info.uiLostBlocks = static_cast<std::uint32_t>(std::min<std::uint64_t>(lost, UINT32_MAX));
     }
-    lastBlockId_ = blockId;
+    // An id that goes back is a wrong one, and stands for the block that was to come; unless the one before it went
+    // back too: then the camera counts anew.
+    const bool isBack = lastBlockId_ && blockId <= *lastBlockId_;
+    const bool isNewCount = isBack && blockId == toldBlockId_ + 1;
+    lastBlockId_ = isBack && !isNewCount ? *lastBlockId_ + 1 : blockId;
+    toldBlockId_ = blockId;
 }
 
 // What the camera still has for transfers that are gone must not run into the next ones.
