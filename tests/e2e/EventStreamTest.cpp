@@ -25,7 +25,7 @@ class EventStreamTest : public EventModeTest {
 
 TEST_F(EventStreamTest, TenThousandImagesHaveTenThousandEvents)
 {
-    constexpr int images = 10000;
+    const int images = Rounds(10000, 1000);
     ASSERT_EQ(Activate("ExposureEnd"), 0u);
     RequestChannel channel(hCam, 3);
     channel.EnqueueAll();

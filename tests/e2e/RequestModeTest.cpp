@@ -79,7 +79,7 @@ TEST_F(RequestModeTest, ThousandRoundsOfStartAndStopLoseNoRequest)
     const CAM_HANDLE hCam = Open();
     constexpr std::size_t buffers = 3;
     RequestChannel channel(hCam, buffers);
-    for (int round = 0; round < 1000 && !HasFailure(); ++round) {
+    for (int round = 0; round < Rounds(1000, 300) && !HasFailure(); ++round) {
         channel.EnqueueAll();
         channel.Start();
         ExpectGood(channel.Next());

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <string_view>
 #include <thread>
 
 namespace Orvi::Testing {
@@ -17,9 +18,11 @@ VirtualCameraTest::VirtualCameraTest()
     setenv("HOME", TempFolder::OfProcess().c_str(), 1);
     setenv("ORVICAMSDK", ORVI_TEST_SDK, 1);
     setenv("ORVI_VIRTUAL_CAMERAS", "2", 1);
-    setenv("ORVI_TRANSPORT", "virtual", 1);
+    setenv("ORVI_TRANSPORT", IsOverUsb() ? "usb" : "virtual", 1);
     EXPECT_EQ(Sys_Initialize(SYS_INIT_U3V), 0u);
     AwaitCameras(2);
+    if (IsOverUsb())
+        PowerCycle();
 }
 
 VirtualCameraTest::~VirtualCameraTest()
@@ -27,6 +30,22 @@ VirtualCameraTest::~VirtualCameraTest()
     for (const CAM_HANDLE hCam : open_)
         Cam_Close(hCam);
     EXPECT_EQ(Sys_Terminate(), 0u);
+}
+
+/// Cameras of another process keep what the last test has done to them, until they are plugged in anew.
+void VirtualCameraTest::PowerCycle()
+{
+    for (uint32_t index = 0; index < 2; ++index) {
+        CAM_HANDLE hGone = 0, hCam = 0;
+        EXPECT_EQ(Sys_CreateSignal(&hGone), 0u);
+        EXPECT_EQ(Cam_Open(index, &hCam, reinterpret_cast<void *>(hGone), false, nullptr, CAM_ACCESS_MODE_CONTROL), 0u);
+        WriteWord(hCam, Virtual::replugAfter, 1);
+        WriteWord(hCam, Virtual::unplug, 1);
+        EXPECT_EQ(Sys_WaitForSignal(hGone, patience), 0u) << "the camera does not leave";
+        EXPECT_EQ(Cam_Close(hCam), 0u);
+        EXPECT_EQ(Sys_CloseSignal(hGone), 0u);
+    }
+    AwaitCameras(2);
 }
 
 void VirtualCameraTest::AwaitCameras(uint32_t count)
@@ -62,6 +81,12 @@ CAM_HANDLE VirtualCameraTest::Open(uint32_t index)
     SetInt(hCam, "Height", smallHeight);
     WriteWord(hCam, Virtual::unthrottled, 1);
     return hCam;
+}
+
+bool IsOverUsb()
+{
+    const char *link = std::getenv("ORVI_E2E_LINK");
+    return link != nullptr && std::string_view(link) == "usb";
 }
 
 uint32_t ReadWord(CAM_HANDLE hCam, uint64_t address)

@@ -1,5 +1,6 @@
 #pragma once
-// The fixture of the tests that use the library as an application does: with its own transport, on virtual cameras.
+// The fixture of the tests that use the library as an application does: with its own transport, on virtual cameras in
+// this process, or, with ORVI_E2E_LINK=usb, on two that orvi-vcam-usbip has plugged into the kernel.
 
 #include "OrviCamApi.h"
 
@@ -24,11 +25,18 @@ class VirtualCameraTest : public ::testing::Test {
     static void AwaitDrops(CAM_HANDLE hCam, uint32_t more);
 
   private:
+    static void PowerCycle();
+
     std::vector<CAM_HANDLE> open_;
 };
 
+/// Whether the cameras are behind the kernel's USB, where all takes longer.
+bool IsOverUsb();
+/// How often to repeat what is to be repeated often.
+inline int Rounds(int inProcess, int overUsb) { return IsOverUsb() ? overUsb : inProcess; }
+
 /// How long a test waits for what must happen; only a failure waits so long.
-inline constexpr uint32_t patience = 20000; // ms
+inline constexpr uint32_t patience = 60000; // ms
 
 /// Registers that only a virtual camera has.
 namespace Virtual {

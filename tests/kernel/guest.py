@@ -35,6 +35,8 @@ STEPS = [
          "cat /tmp/exporter.log; dmesg | tail; exit 1"),
     Step("orvicam", "our command line", 60,
          "export ORVI_TRANSPORT=usb; orvicam list && orvicam info && orvicam -c VC000001 grab -n 3 -o /tmp/grab && ls -l /tmp/grab"),
+    Step("e2e", "the library's tests of whole applications", 240,
+         "ORVI_E2E_LINK=usb e2e_test --gtest_brief=0"),
     Step("aravis-discovery", "arv-tool finds both", 30,
          "arv-tool-0.8 | tee /tmp/out; [ $(grep -c 'Orvi-ORVIVC00000[12]-VC00000[12]' /tmp/out) = 2 ]"),
     Step("aravis-features", "arv-tool reads and sets features", 60,
@@ -67,6 +69,7 @@ def build_image(build, folder, steps):
         image.add_program(f"sdk/bin/{program}", sdk / "bin" / program)
     for library in ["libOrviCamApi_64.so.1", "libOrviU3vCamApi_64.so"]:
         image.add_program(f"sdk/lib/{library}", sdk / "lib" / library)
+    image.add_program("bin/e2e_test", build / "tests/e2e/e2e_test", search=[sdk / "lib"])
     image.add_bytes("limit", b"%d\n" % GUEST_LIMIT)
     image.add_bytes("steps", "".join(f"{s.limit} {s.name} {s.command}\n" for s in steps).encode())
     initrd = folder / "initrd"

@@ -1,7 +1,5 @@
 #include "Attachment.h"
 
-#include <chrono>
-
 namespace Orvi::UsbIp {
 
 Attachment::Attachment(std::shared_ptr<Vcam::VirtualCamera> camera, unsigned deviceId, const Vhci &vhci,
@@ -19,15 +17,12 @@ Attachment::~Attachment()
 {
     camera_.Stop();
     thread_.join();
-    // The kernel tidies up on its own; who starts this program anew at once finds the port free.
-    for (int i = 0; i < 200 && !hasFailed_; ++i) {
-        try {
-            if (vhci_.IsFree(port_))
-                return;
-        } catch (const std::exception &) {
-            return; // the controller was removed
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    if (hasFailed_)
+        return;
+    try {
+        vhci_.AwaitFree(port_); // who starts this program anew at once finds the port free
+    } catch (const std::exception &gone) {
+        Complain(gone.what()); // the controller itself was removed
     }
 }
 
@@ -35,7 +30,7 @@ void Attachment::Run(Vhci::Plug plug)
 {
     try {
         while (ServeOnce(std::move(plug)) && camera_.AwaitReplug())
-            plug = vhci_.Attach(camera_.Identity().speed, deviceId_);
+            plug = vhci_.AttachAgain(camera_.Identity().speed, deviceId_, port_);
     } catch (const std::exception &fault) {
         Complain(camera_.Identity().serial + ": " + fault.what());
         hasFailed_ = true;

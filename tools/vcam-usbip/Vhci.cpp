@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <fcntl.h>
 #include <fstream>
 #include <sstream>
 #include <system_error>
+#include <thread>
 #include <unistd.h>
 
 namespace Orvi::UsbIp {
@@ -61,16 +63,36 @@ std::vector<Vhci::Port> Vhci::Ports() const
 
 Vhci::Plug Vhci::Attach(Vcam::LinkSpeed speed, unsigned deviceId) const
 {
+    if (auto plug = AttachToOneOf(Ports(), speed, deviceId))
+        return std::move(*plug);
+    throw std::runtime_error(std::string("all ports of vhci_hcd's ") + KernelSpeedOf(speed).hub +
+                             " hub are in use; see " + (folder_ / "status").string() +
+                             " and end the programs that use them");
+}
+
+Vhci::Plug Vhci::AttachAgain(Vcam::LinkSpeed speed, unsigned deviceId, unsigned port) const
+{
+    if (AwaitFree(port)) {
+        std::vector<Port> ports = Ports();
+        std::erase_if(ports, [port](const Port &other) { return other.number != port; });
+        if (auto plug = AttachToOneOf(ports, speed, deviceId))
+            return std::move(*plug);
+    }
+    return Attach(speed, deviceId);
+}
+
+std::optional<Vhci::Plug> Vhci::AttachToOneOf(const std::vector<Port> &ports, Vcam::LinkSpeed speed,
+                                              unsigned deviceId) const
+{
     const KernelSpeed kernelSpeed = KernelSpeedOf(speed);
     auto [ours, kernels] = Socket::Pair();
-    for (const Port &port : Ports()) {
+    for (const Port &port : ports) {
         // Another program may be faster: then the next port is tried.
         if (port.hub == kernelSpeed.hub && port.state == s_freeState &&
             TryAttach(port, kernels.Get(), deviceId, kernelSpeed.code))
-            return {port.number, std::move(ours)};
+            return Plug{port.number, std::move(ours)};
     }
-    throw std::runtime_error(std::string("all ports of vhci_hcd's ") + kernelSpeed.hub + " hub are in use; see " +
-                             (folder_ / "status").string() + " and end the programs that use them");
+    return std::nullopt;
 }
 
 bool Vhci::TryAttach(const Port &port, int descriptor, unsigned deviceId, unsigned speed) const
@@ -91,11 +113,17 @@ bool Vhci::TryAttach(const Port &port, int descriptor, unsigned deviceId, unsign
     return false;
 }
 
-bool Vhci::IsFree(unsigned number) const
+bool Vhci::AwaitFree(unsigned number) const
 {
-    const std::vector<Port> ports = Ports();
-    return std::ranges::any_of(ports,
-                               [&](const Port &port) { return port.number == number && port.state == s_freeState; });
+    constexpr std::chrono::milliseconds look{10}, patience{5000};
+    for (auto waited = look; waited < patience; waited += look) {
+        const std::vector<Port> ports = Ports();
+        if (std::ranges::any_of(
+                ports, [&](const Port &port) { return port.number == number && port.state == s_freeState; }))
+            return true;
+        std::this_thread::sleep_for(look);
+    }
+    return false;
 }
 
 } // namespace Orvi::UsbIp

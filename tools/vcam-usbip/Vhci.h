@@ -5,6 +5,7 @@
 #include "vcam/UsbFunction.h"
 
 #include <filesystem>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -30,9 +31,11 @@ class Vhci {
     /// Plugs a device into the first free port of its speed. The kernel begins to talk to it at once. Throws
     /// NoController, NotPermitted or std::runtime_error.
     Plug Attach(Vcam::LinkSpeed speed, unsigned deviceId) const;
+    /// The same, but into the port where it has been, unless another device is there now.
+    Plug AttachAgain(Vcam::LinkSpeed speed, unsigned deviceId, unsigned port) const;
 
-    /// Whether the kernel is done with what was plugged there.
-    bool IsFree(unsigned port) const;
+    /// Waits until the kernel has noticed that a device was pulled out of this port; false when it does not for long.
+    bool AwaitFree(unsigned port) const;
 
   private:
     struct Port {
@@ -40,6 +43,7 @@ class Vhci {
         unsigned number, state;
     };
     std::vector<Port> Ports() const;
+    std::optional<Plug> AttachToOneOf(const std::vector<Port> &ports, Vcam::LinkSpeed speed, unsigned deviceId) const;
     bool TryAttach(const Port &port, int descriptor, unsigned deviceId, unsigned speed) const;
 
     std::filesystem::path folder_;
