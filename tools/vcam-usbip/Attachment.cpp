@@ -20,7 +20,7 @@ Attachment::~Attachment()
     if (hasFailed_)
         return;
     try {
-        vhci_.AwaitFree(port_); // who starts this program anew at once finds the port free
+        vhci_.AwaitFree(port_, busId_); // who starts this program anew at once finds the port free
     } catch (const std::exception &gone) {
         Complain(gone.what()); // the controller itself was removed
     }
@@ -30,7 +30,7 @@ void Attachment::Run(Vhci::Plug plug)
 {
     try {
         while (ServeOnce(std::move(plug)) && camera_.AwaitReplug())
-            plug = vhci_.AttachAgain(camera_.Identity().speed, deviceId_, port_);
+            plug = vhci_.AttachAgain(camera_.Identity().speed, deviceId_, port_, busId_);
     } catch (const std::exception &fault) {
         Complain(camera_.Identity().serial + ": " + fault.what());
         hasFailed_ = true;
@@ -44,7 +44,11 @@ bool Attachment::ServeOnce(Vhci::Plug plug)
     port_ = plug.port;
     const auto say = [this](const std::string &what) { Say(camera_.Identity(), what); };
     const std::string where = "port " + std::to_string(plug.port);
-    switch (camera_.Serve(std::move(plug.socket), [&] { say("plugged into " + where); })) {
+    const auto onConfigured = [&] {
+        busId_ = vhci_.BusId(port_);
+        say("plugged into " + where + " as " + busId_);
+    };
+    switch (camera_.Serve(std::move(plug.socket), onConfigured)) {
     case Session::End::HostLeft:
         say("detached from " + where + " by the kernel");
         return false;

@@ -30,7 +30,8 @@ class Attachment {
     const unsigned deviceId_;
     const Vhci &vhci_;
     const std::function<void()> onEnd_;
-    unsigned port_ = 0; // of the thread alone while it runs
+    unsigned port_ = 0; // these of the thread alone while it runs
+    std::string busId_;
     std::atomic<bool> hasFailed_ = false;
     std::thread thread_;
 };

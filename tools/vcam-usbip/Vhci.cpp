@@ -55,7 +55,9 @@ std::vector<Vhci::Port> Vhci::Ports() const
         std::getline(file, line); // the names of the columns
         while (std::getline(file, line)) {
             Port port;
-            if (std::istringstream(line) >> port.hub >> port.number >> port.state)
+            std::string speed, device, descriptor;
+            if (std::istringstream(line) >> port.hub >> port.number >> port.state >> speed >> device >> descriptor >>
+                port.busId)
                 ports.push_back(port);
         }
     }
@@ -70,9 +72,9 @@ Vhci::Plug Vhci::Attach(Vcam::LinkSpeed speed, unsigned deviceId) const
                              " and end the programs that use them");
 }
 
-Vhci::Plug Vhci::AttachAgain(Vcam::LinkSpeed speed, unsigned deviceId, unsigned port) const
+Vhci::Plug Vhci::AttachAgain(Vcam::LinkSpeed speed, unsigned deviceId, unsigned port, const std::string &busId) const
 {
-    if (AwaitFree(port)) {
+    if (AwaitFree(port, busId)) {
         std::vector<Port> ports = Ports();
         std::erase_if(ports, [port](const Port &other) { return other.number != port; });
         if (auto plug = AttachToOneOf(ports, speed, deviceId))
@@ -113,13 +115,23 @@ bool Vhci::TryAttach(const Port &port, int descriptor, unsigned deviceId, unsign
     return false;
 }
 
-bool Vhci::AwaitFree(unsigned number) const
+std::string Vhci::BusId(unsigned number) const
 {
-    constexpr std::chrono::milliseconds look{10}, patience{5000};
+    const std::vector<Port> ports = Ports();
+    const auto port = std::ranges::find(ports, number, &Port::number);
+    return port == ports.end() ? "" : port->busId;
+}
+
+bool Vhci::AwaitFree(unsigned number, const std::string &busId) const
+{
+    constexpr std::chrono::milliseconds look{10}, patience{10000};
+    const auto isThere = [&] { return !busId.empty() && std::filesystem::exists(devices_ / busId); };
     for (auto waited = look; waited < patience; waited += look) {
         const std::vector<Port> ports = Ports();
-        if (std::ranges::any_of(
-                ports, [&](const Port &port) { return port.number == number && port.state == s_freeState; }))
+        const auto port = std::ranges::find(ports, number, &Port::number);
+        if (port == ports.end())
+            return false;
+        if (port->state == s_freeState && !isThere())
             return true;
         std::this_thread::sleep_for(look);
     }
