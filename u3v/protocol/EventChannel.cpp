@@ -252,8 +252,7 @@ void EventChannel::HandleTransfer(std::unique_lock<std::mutex> &lock, BulkIn &tr
         if (status == TransferStatus::Stalled && !IsEnding()) {
             done_.push_front(&transfer);
             ClearEndpoint(lock);
-            LogDevice(CAM_LOG_LEVEL_WARN, "%s has halted its event endpoint: cleared",
-                      link_.Identity().serial.c_str());
+            LogDevice(CAM_LOG_LEVEL_WARN, "%s has halted its event endpoint: cleared", link_.Identity().serial.c_str());
             return;
         }
     }
