@@ -27,7 +27,7 @@ std::vector<CameraConfig> Numbered(std::size_t count)
     std::vector<CameraConfig> cameras(count);
     for (std::size_t i = 0; i < count; ++i) {
         std::array<char, 16> serial{};
-        std::snprintf(serial.data(), serial.size(), "VC%06zu", i + 1);
+        std::snprintf(serial.data(), serial.size(), "VC%06u", static_cast<unsigned>(i + 1));
         cameras[i].serial = serial.data();
     }
     return cameras;
