@@ -22,6 +22,9 @@ install(FILES LICENSE DESTINATION share/doc/OrviCamApi)
 # Not where udev reads it: that is the machine owner's decision (docs/building.md). orvicam doctor tells how.
 configure_file(packaging/70-u3v.rules "${ORVI_SDK_DIR}/share/udev/rules.d/70-u3v.rules" COPYONLY)
 install(FILES packaging/70-u3v.rules DESTINATION share/udev/rules.d)
+# A sample for ORVI_VIRTUAL_CAMERAS.
+configure_file(packaging/virtual-cameras.toml "${ORVI_SDK_DIR}/share/orvi/virtual-cameras.toml" COPYONLY)
+install(FILES packaging/virtual-cameras.toml DESTINATION share/orvi)
 
 # Parts that may have been left out of this build.
 if(TARGET OrviU3vCamApi_64)

@@ -86,7 +86,7 @@ class Bench final : public VirtualBench {
             return ComplainOnce(start + takes + "this one " + first.text + "; there are none");
         }
         const std::size_t more = file.mistakes.size() - 1;
-        return ComplainOnce(Message(wanted, first) + (more == 0 ? "" : "; " + std::to_string(more) + " more") +
+        return ComplainOnce(MistakeText(wanted, first) + (more == 0 ? "" : "; " + std::to_string(more) + " more") +
                             "; there are no virtual cameras: 'orvicam vcam check " + wanted + "' tells all mistakes");
     }
 

@@ -108,7 +108,7 @@ ConfigFile LoadConfigFile(const std::string &path, Disk disk)
     return ReadConfig(text, std::filesystem::path(path).parent_path(), disk);
 }
 
-std::string Message(const std::string &path, const Mistake &mistake)
+std::string MistakeText(const std::string &path, const Mistake &mistake)
 {
     const bool hasPlace = mistake.place.line != 0;
     return path + ":" +

@@ -30,6 +30,6 @@ ConfigFile ReadConfig(std::string_view text, const std::string &folder, Disk dis
 ConfigFile LoadConfigFile(const std::string &path, Disk disk = Disk::Read);
 
 /// "cameras.toml:3:5: vendor takes a text, not an integer"
-std::string Message(const std::string &path, const Mistake &mistake);
+std::string MistakeText(const std::string &path, const Mistake &mistake);
 
 } // namespace Orvi::Vcam
