@@ -36,9 +36,10 @@ TEST_F(UserDefinedNameTest, IsReadIntoTheCallersBuffer)
 
 TEST_F(UserDefinedNameTest, Of64CharactersFillsTheBuffer)
 {
-    Node().text = std::string(63, 'a') + 'b';
+    const std::string longest(64, 'b');
+    Node().text = longest;
     EXPECT_EQ(GetCamUserDefinedName(hCamera, name, &size), 0u);
-    EXPECT_EQ(std::string(name, 65), std::string(63, 'a') + "bx") << "no closing NUL";
+    EXPECT_EQ(std::string(name, 65), longest + 'x') << "no closing NUL";
     EXPECT_EQ(size, 64u);
     EXPECT_EQ(stub.CountOf(Entry::Nd_GetStrValue), 2u);
     EXPECT_EQ(TakeLog().back(), ExitLine(0, "Cam_GetUserDefinedName, *puiSize=64"));
