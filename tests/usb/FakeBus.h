@@ -118,7 +118,7 @@ struct FakeBus {
     struct Counts {
         int contexts = 0, references = 0, configurations = 0, lists = 0, handles = 0, claims = 0, transfers = 0,
             hotplugCallbacks = 0; // all of these are back at 0 when nothing is leaked
-        int opened = 0, waits = 0, driversDetached = 0, driversAttached = 0, resets = 0;
+        int opened = 0, waits = 0, textsAsked = 0, driversDetached = 0, driversAttached = 0, resets = 0;
     };
     Counts Count() const;
     std::vector<std::string> Log() const; ///< "halt 0x85", "clear 0x85", "claim 0", "release 0", "reset"

@@ -343,6 +343,7 @@ int libusb_control_transfer(libusb_device_handle *handle, std::uint8_t type, std
         return LIBUSB_ERROR_PIPE;
     }
     const auto number = static_cast<std::uint8_t>(value & 0xFF);
+    ++fake.Counts().textsAsked;
     if (const auto error = device.script.textErrors.find(number); error != device.script.textErrors.end())
         return error->second;
     std::vector<unsigned char> bytes = {0, LIBUSB_DT_STRING};

@@ -57,8 +57,9 @@ class Collector {
 
 Camera::Camera(const CameraEntry &entry) : entry_(entry)
 {
-    Check(Cam_Open(entry.index, &handle_, nullptr, true, nullptr, CAM_ACCESS_MODE_CONTROL),
-          "cannot open " + entry.serial);
+    const CAM_API_STATUS status = Cam_Open(entry.index, &handle_, nullptr, true, nullptr, CAM_ACCESS_MODE_CONTROL);
+    if (status != CAM_API_STS_SUCCESS)
+        throw Failure(ExitCode::Camera, "cannot open " + entry.serial + ": " + OpeningText(status));
 }
 
 Camera::~Camera() { Cam_Close(handle_); }

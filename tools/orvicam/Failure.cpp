@@ -36,6 +36,16 @@ constexpr StatusWords s_words[] = {
 
 } // namespace
 
+std::string OpeningText(CAM_API_STATUS status)
+{
+    CAM_GENICAM_ERROR error{};
+    if (status != CAM_API_STS_ALREADY_OPENED && Misc_SetLastGenICamError(1) == CAM_API_STS_SUCCESS &&
+        Misc_GetLastGenICamError(&error) == CAM_API_STS_SUCCESS && error.pszMessage != nullptr &&
+        *error.pszMessage != '\0')
+        return error.pszMessage + (" (status " + Hex(status) + ")");
+    return StatusText(status);
+}
+
 std::string StatusText(CAM_API_STATUS status)
 {
     const std::string number = "status " + Hex(status);

@@ -34,6 +34,9 @@ class Failure : public std::runtime_error {
 /// A status in words with its number, e.g. "the camera does not answer (status 0x13)".
 std::string StatusText(CAM_API_STATUS status);
 
+/// Why a camera did not open: the transport's own words when it has some, which name the next step.
+std::string OpeningText(CAM_API_STATUS status);
+
 /// Whether a status says that the camera was unplugged or does not answer.
 bool IsCameraGone(CAM_API_STATUS status);
 
