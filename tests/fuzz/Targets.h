@@ -21,6 +21,8 @@ void Server(Input input);      ///< any commands to the virtual camera
 void Image(Input input);       ///< leader, payload and trailer
 void Event(Input input);       ///< a packet of the event interface
 void Parameters(Input input);  ///< a parameter file
+void CameraFile(Input input);  ///< the file that describes virtual cameras
+void ImageFile(Input input);   ///< an image in front of a virtual camera
 
 /// A folder of corpus/ is named as its target.
 struct Target {
@@ -29,8 +31,9 @@ struct Target {
 };
 
 constexpr Target targets[] = {
-    {"Description", Description}, {"Formula", Formula}, {"Archive", Archive}, {"Host", Host},
-    {"Server", Server},           {"Image", Image},     {"Event", Event},     {"Parameters", Parameters},
+    {"Description", Description}, {"Formula", Formula},     {"Archive", Archive}, {"Host", Host},
+    {"Server", Server},           {"Image", Image},         {"Event", Event},     {"Parameters", Parameters},
+    {"CameraFile", CameraFile},   {"ImageFile", ImageFile},
 };
 
 inline void Require(bool holds, const char *promise)

@@ -29,6 +29,11 @@ class PngDecoder {
         CheckImageSize(png_get_image_width(png_, info_), png_get_image_height(png_, info_));
         const std::size_t lineBytes = png_get_rowbytes(png_, info_);
         const std::uint32_t height = png_get_image_height(png_, info_);
+        // Deflate makes no more of a byte: what claims more is refused before memory is taken for it.
+        constexpr std::size_t maxRatio = 1032;
+        if (lineBytes * height / maxRatio > rest_.size()) {
+            throw ImageError("is a broken PNG: it ends too early");
+        }
         pixels_.resize(lineBytes * height);
         for (std::uint32_t y = 0; y < height; ++y) {
             lines_.push_back(pixels_.data() + y * lineBytes);
