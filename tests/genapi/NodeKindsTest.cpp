@@ -121,6 +121,11 @@ TEST(Register, GivesItsBytes)
     EXPECT_EQ(map.port.bytes[0x40], std::byte{9});
     std::array<std::byte, 17> more;
     EXPECT_THAT(ErrorOf([&] { map->GetBytes(map["Raw"], more); }), HasSubstr("[Raw] cannot give 17 bytes"));
+
+    const int transfers = map.port.reads + map.port.writes;
+    map->GetBytes(map["Raw"], {});
+    map->SetBytes(map["Raw"], {});
+    EXPECT_EQ(map.port.reads + map.port.writes, transfers) << "no bytes are no transfer";
 }
 
 TEST(Address, IsTheSumOfItsParts)

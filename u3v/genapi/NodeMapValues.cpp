@@ -173,7 +173,8 @@ void NodeMap::GetBytes(NodeId id, std::span<std::byte> data, ReadOptions options
     if (const std::size_t length = reg.LengthNow(call.run); data.size() > length)
         call.node.Fail(call.run,
                        Say("cannot give ", std::to_string(data.size()), " bytes, it has ", std::to_string(length)));
-    reg.Read(call.run, data);
+    if (!data.empty())
+        reg.Read(call.run, data);
 }
 
 void NodeMap::SetBytes(NodeId id, std::span<const std::byte> data, Verify verify)
@@ -183,7 +184,8 @@ void NodeMap::SetBytes(NodeId id, std::span<const std::byte> data, Verify verify
     if (const std::size_t length = reg.LengthNow(call.run); data.size() > length)
         call.node.Fail(call.run,
                        Say("cannot take ", std::to_string(data.size()), " bytes, it has ", std::to_string(length)));
-    call.Write([&] { reg.Write(call.run, data); });
+    if (!data.empty())
+        call.Write([&] { reg.Write(call.run, data); });
 }
 
 } // namespace Orvi::GenApi
