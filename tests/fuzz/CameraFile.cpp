@@ -18,7 +18,6 @@ void CameraFile(Input input)
     for (const Mistake &mistake : file.mistakes) {
         Require(!mistake.text.empty(), "a mistake is told in words");
         Require(mistake.place.line <= lines, "a mistake lies in the file");
-        Message("file", mistake);
     }
     if (!file.mistakes.empty())
         return;
