@@ -32,7 +32,8 @@ LAYERS = [
     ("vcam interface",
      "vcam/UsbFunction.h vcam/VirtualCamera.h vcam/Faults.h vcam/ImageSource.h vcam/Complaint.h", ""),
     ("vcam check", "vcam/config/Check.h vcam/config/Mistake.h", ""),
-    ("vcam", "vcam/*", "vcam_interface vcam_check"),
+    # it reads other models' descriptions with the runtime, which knows nothing of the host
+    ("vcam", "vcam/*", "vcam_interface vcam_check u3v_genapi"),
     # the transport
     ("u3v core", "u3v/core/*", "interface"),
     ("u3v genapi", "u3v/genapi/*", "u3v_core"),

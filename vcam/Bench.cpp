@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <mutex>
+#include <stdexcept>
 #include <string_view>
 #include <utility>
 
@@ -98,8 +99,18 @@ class Bench final : public VirtualBench {
                 cameras_, [&](const auto &camera) { return camera->Identity().serial == config.serial; });
             if (!exists) {
                 config.stateFile = StateFileOf(config.serial);
-                cameras_.push_back(VirtualCamera::Create(config));
+                Add(config);
             }
+        }
+    }
+
+    void Add(const CameraConfig &config)
+    {
+        try {
+            cameras_.push_back(VirtualCamera::Create(config));
+        } catch (const std::runtime_error &error) {
+            Complain("virtual camera " + config.serial + ": its XML cannot be used: " + error.what() +
+                     "; there is no such camera");
         }
     }
 

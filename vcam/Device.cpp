@@ -43,7 +43,7 @@ const FaultRule *FindFault(const std::vector<FaultRule> &faults, FaultAction act
 
 std::shared_ptr<VirtualCamera> VirtualCamera::Create(const CameraConfig &config)
 {
-    return std::make_shared<Device>(config);
+    return std::make_shared<Device>(NameByDescription(config));
 }
 
 Device::Device(const CameraConfig &config)

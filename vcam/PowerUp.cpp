@@ -142,6 +142,13 @@ void Device::PowerUp()
     LoadControlBlocks(registers_, config_.sensorWidth, config_.sensorHeight);
     LoadDeviceRegisters(registers_);
     ApplyConfig(registers_, config_);
+    if (!config_.xml.empty()) {
+        // The steps of another model are those of its description.
+        for (const std::uint32_t step : {ImageSizeWord::OffsetXInc, ImageSizeWord::OffsetYInc, ImageSizeWord::WidthInc,
+                                         ImageSizeWord::HeightInc, ImageSizeWord::WidthMin, ImageSizeWord::HeightMin}) {
+            registers_.SetWord(step, 1);
+        }
+    }
     LoadTables(registers_, config_.sensorWidth, config_.sensorHeight);
 
     server_.Reset();

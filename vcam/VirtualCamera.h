@@ -51,6 +51,7 @@ struct CameraConfig {
 
 class VirtualCamera : public UsbFunction {
   public:
+    /// Throws std::runtime_error for an xml that cannot be used.
     static std::shared_ptr<VirtualCamera> Create(const CameraConfig &config);
 
     /// Pulls the plug: pending transfers end as Gone, later ones too, and the observer is told.

@@ -13,14 +13,14 @@ namespace {
 constexpr int smallWidth = 64, smallHeight = 8;
 }
 
-VirtualCameraTest::VirtualCameraTest()
+VirtualCameraTest::VirtualCameraTest(const char *cameras, uint32_t count)
 {
     setenv("HOME", TempFolder::OfProcess().c_str(), 1);
     setenv("ORVICAMSDK", ORVI_TEST_SDK, IsOverUsb() ? 0 : 1);
-    setenv("ORVI_VIRTUAL_CAMERAS", "2", 1);
+    setenv("ORVI_VIRTUAL_CAMERAS", cameras, 1);
     setenv("ORVI_TRANSPORT", IsOverUsb() ? "usb" : "virtual", 1);
     EXPECT_EQ(Sys_Initialize(SYS_INIT_U3V), 0u);
-    AwaitCameras(2);
+    AwaitCameras(count);
     if (IsOverUsb())
         PowerCycle();
 }

@@ -14,7 +14,9 @@ namespace Orvi::Testing {
 /// The library initialised and its two virtual cameras enumerated.
 class VirtualCameraTest : public ::testing::Test {
   protected:
-    VirtualCameraTest();
+    VirtualCameraTest() : VirtualCameraTest("2", 2) {}
+    /// Other ones, as ORVI_VIRTUAL_CAMERAS takes them.
+    VirtualCameraTest(const char *cameras, uint32_t count);
     ~VirtualCameraTest() override;
 
     /// Opens a camera with a small image and no limit of its frame rate; it is closed at the end of the test.

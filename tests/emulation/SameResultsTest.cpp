@@ -98,7 +98,7 @@ Steps Choice(const char *name, CAM_API_STATUS (*get)(CAM_HANDLE, Value *), CAM_A
 
 class SameResultsTest : public VirtualCameraTest {
   protected:
-    SameResultsTest() : registers(Open(0)), nodes(Open(1)) {}
+    SameResultsTest() : VirtualCameraTest(ORVI_TEST_CAMERAS, 5), registers(Open(0)), nodes(Open(1)) {}
 
     void Compare(const Steps &steps)
     {
