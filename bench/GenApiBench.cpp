@@ -114,17 +114,17 @@ void RunTheirs(benchmark::State &state, const char *name, bool cache, F f)
     {                                                                                                                  \
         RunOurs(state, feature, [](NodeMap &map, NodeId id, [[maybe_unused]] unsigned odd) { ours; });                 \
     }                                                                                                                  \
-    BENCHMARK(Map##name)->Repetitions(9)->ReportAggregatesOnly();                                                      \
+    BENCHMARK(Map##name)->MinTime(0.02)->Repetitions(9)->ReportAggregatesOnly();                                       \
     void Aravis##name(benchmark::State &state)                                                                         \
     {                                                                                                                  \
         RunTheirs(state, feature, false, [](AravisMap::Node node, [[maybe_unused]] unsigned odd) { theirs; });         \
     }                                                                                                                  \
-    BENCHMARK(Aravis##name)->Repetitions(9)->ReportAggregatesOnly();                                                   \
+    BENCHMARK(Aravis##name)->MinTime(0.02)->Repetitions(9)->ReportAggregatesOnly();                                    \
     void AravisCached##name(benchmark::State &state)                                                                   \
     {                                                                                                                  \
         RunTheirs(state, feature, true, [](AravisMap::Node node, [[maybe_unused]] unsigned odd) { theirs; });          \
     }                                                                                                                  \
-    BENCHMARK(AravisCached##name)->Repetitions(9)->ReportAggregatesOnly();
+    BENCHMARK(AravisCached##name)->MinTime(0.02)->Repetitions(9)->ReportAggregatesOnly();
 GENAPI_OPERATIONS(GENAPI_BENCHMARKS)
 #undef GENAPI_BENCHMARKS
 
@@ -157,14 +157,14 @@ void MapLoad(benchmark::State &state)
     MemoryPort port;
     Load(state, [&] { return NodeMap::Load(Xml(), port); });
 }
-BENCHMARK(MapLoad)->Unit(benchmark::kMillisecond)->Repetitions(9)->ReportAggregatesOnly();
+BENCHMARK(MapLoad)->Unit(benchmark::kMillisecond)->MinTime(0.02)->Repetitions(9)->ReportAggregatesOnly();
 
 void AravisLoad(benchmark::State &state)
 {
     std::vector<std::byte> memory;
     Load(state, [&] { return std::make_unique<AravisMap>(Xml(), memory, false); });
 }
-BENCHMARK(AravisLoad)->Unit(benchmark::kMillisecond)->Repetitions(9)->ReportAggregatesOnly();
+BENCHMARK(AravisLoad)->Unit(benchmark::kMillisecond)->MinTime(0.02)->Repetitions(9)->ReportAggregatesOnly();
 
 double TimesFaster(const std::string &what)
 {

@@ -50,7 +50,7 @@ bool EnumEntryNode::Take(const Property &property)
         numeric_ = property.Number<double>();
         return true;
     case Prop::Symbolic:
-        symbol_ = property.Text();
+        symbol_ = property.Kept();
         return true;
     case Prop::IsSelfClearing:
         selfClearing_ = property.YesNo();
@@ -71,16 +71,12 @@ bool EnumerationNode::Take(const Property &property)
     return property.prop == Prop::EnumEntry || TakeValue(property, value_) || NumberNode::Take(property);
 }
 
-void EnumerationNode::AddEntry(EnumEntryNode &entry)
-{
-    entries_.push_back(&entry);
-    AddLink(entry, Role::Entry);
-}
-
 void EnumerationNode::Finish(Loader &loader)
 {
     if (!value_.given)
         FailLoading(loader, *this, "has no value");
+    entries_.shrink_to_fit();
+    hasSelfClearing_ = std::ranges::any_of(entries_, &EnumEntryNode::IsSelfClearing);
     bySymbol_ = byNumber_ = entries_;
     std::ranges::stable_sort(bySymbol_, {}, &EnumEntryNode::Symbol);
     std::ranges::stable_sort(byNumber_, {}, &EnumEntryNode::Number);
@@ -132,6 +128,10 @@ void EnumerationNode::Check(Run &run, std::int64_t value)
 
 void EnumerationNode::SetValue(Run &run, std::int64_t value)
 {
+    if (!hasSelfClearing_) {
+        StoreValue(run, *this, value_, value);
+        return;
+    }
     const EnumEntryNode *const entry = FindNumber(value);
     Run inner = run;
     const bool clears = entry && entry->IsSelfClearing();

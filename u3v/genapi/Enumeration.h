@@ -37,7 +37,7 @@ class EnumerationNode final : public NumberNode<std::int64_t> {
 
     bool Take(const Property &property) override;
     void Finish(Loader &loader) override;
-    void AddEntry(EnumEntryNode &entry);
+    void AddEntry(EnumEntryNode &entry) { entries_.push_back(&entry); }
 
     const std::vector<EnumEntryNode *> &Entries() const { return entries_; }
     const EnumEntryNode *FindSymbol(std::string_view symbol) const;
@@ -59,6 +59,7 @@ class EnumerationNode final : public NumberNode<std::int64_t> {
     Source<std::int64_t> value_;
     std::vector<EnumEntryNode *> entries_;             ///< as the description lists them
     std::vector<EnumEntryNode *> bySymbol_, byNumber_; ///< the same, sorted
+    bool hasSelfClearing_ = false;
 };
 
 class BooleanNode final : public NumberNode<std::int64_t> {

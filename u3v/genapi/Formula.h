@@ -75,6 +75,10 @@ class Formula {
     static constexpr std::size_t maxSteps = 4096;
     static constexpr std::size_t maxStack = 64;
 
+    Formula() = default;
+    /// Not compiled yet.
+    explicit Formula(std::string_view text) : text_(text) {}
+
     static Formula Compile(std::string_view text, Arithmetic arithmetic, FormulaNames &names);
 
     /// The result in the formula's arithmetic; a FormulaError when there is none (division by zero, not finite).

@@ -380,6 +380,7 @@ Formula Formula::Compile(std::string_view text, Arithmetic arithmetic, FormulaNa
     formula.text_ = text;
     formula.arithmetic_ = arithmetic;
     formula.steps_ = Compiler(arithmetic, names).Compile(text);
+    formula.steps_.shrink_to_fit();
     return formula;
 }
 

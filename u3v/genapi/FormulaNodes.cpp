@@ -26,7 +26,7 @@ template <class T>
 bool SwissKnifeNode<T>::Take(const Property &property)
 {
     if (property.prop == Prop::Formula) {
-        text_ = property.Text();
+        formula_ = Formula(property.Kept());
         return true;
     }
     return property.prop == Prop::Input || part_.Take(property, arithmeticOf<T>) || NumberNode<T>::Take(property);
@@ -35,7 +35,8 @@ bool SwissKnifeNode<T>::Take(const Property &property)
 template <class T>
 void SwissKnifeNode<T>::Finish(Loader &loader)
 {
-    formula_ = CompileFor<T>(loader, *this, part_, text_, {});
+    formula_ = CompileFor<T>(loader, *this, part_, formula_.Text(), {});
+    part_.Trim();
 }
 
 template <class T>
@@ -67,8 +68,8 @@ bool ConverterNode<T>::Take(const Property &property)
     constexpr std::string_view slopeNames[] = {"Increasing", "Decreasing", "Varying", "Automatic"};
     switch (property.prop) {
     // clang-format off
-    case Prop::FormulaTo:   toText_ = property.Text(); return true;
-    case Prop::FormulaFrom: fromText_ = property.Text(); return true;
+    case Prop::FormulaTo:   to_ = Formula(property.Kept()); return true;
+    case Prop::FormulaFrom: from_ = Formula(property.Kept()); return true;
     case Prop::pValue:      value_ = property.Target(Role::Value); return true;
     case Prop::Slope:       slope_ = property.OneOf<Slope>(slopeNames); return true;
     case Prop::IsLinear:    linear_ = property.YesNo(); return true;
@@ -83,8 +84,9 @@ void ConverterNode<T>::Finish(Loader &loader)
 {
     if (value_ == nullptr)
         FailLoading(loader, *this, "has no pValue");
-    to_ = CompileFor<T>(loader, *this, part_, toText_, "FROM");
-    from_ = CompileFor<T>(loader, *this, part_, fromText_, "TO");
+    to_ = CompileFor<T>(loader, *this, part_, to_.Text(), "FROM");
+    from_ = CompileFor<T>(loader, *this, part_, from_.Text(), "TO");
+    part_.Trim();
 }
 
 template <class T>

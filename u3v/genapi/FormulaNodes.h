@@ -24,7 +24,6 @@ class SwissKnifeNode final : public NumberNode<T> {
 
   private:
     FormulaPart part_;
-    std::string_view text_;
     Formula formula_;
 };
 
@@ -52,7 +51,6 @@ class ConverterNode final : public NumberNode<T> {
     std::optional<T> Limit(Run &run, T raw);
 
     FormulaPart part_;
-    std::string_view toText_, fromText_;
     Formula to_, from_;
     Node *value_ = nullptr;
     Slope slope_ = Slope::Automatic;

@@ -110,7 +110,7 @@ class FormulaPart::Values final : public FormulaVariables {
 bool FormulaPart::Take(const Property &property, Arithmetic arithmetic)
 {
     const auto checkedName = [&] {
-        const std::string_view name = property.Attribute("Name");
+        const std::string_view name = property.KeptAttribute("Name");
         if (name.empty())
             property.Fail("the name is missing");
         if (constants_.size() + variables_.size() == maxNames)
@@ -141,7 +141,7 @@ bool FormulaPart::Take(const Property &property, Arithmetic arithmetic)
         return true;
     }
     case Prop::Expression:
-        constants_.push_back({checkedName(), {FormulaName::Kind::Expression, 0, {}, property.Text()}});
+        constants_.push_back({checkedName(), {FormulaName::Kind::Expression, 0, {}, property.Kept()}});
         return true;
     default:
         return false;

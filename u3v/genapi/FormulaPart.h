@@ -39,6 +39,12 @@ class FormulaPart {
     bool Take(const Property &property, Arithmetic arithmetic);
     /// @p argument names the one value that comes with each run ("FROM", "TO"); empty when there is none.
     Formula Compile(std::string_view text, Arithmetic arithmetic, std::string_view argument);
+    /// All formulas are compiled: what was needed for that alone is given back.
+    void Trim()
+    {
+        std::vector<Named>().swap(constants_);
+        variables_.shrink_to_fit();
+    }
     Cell Evaluate(Run &run, const Formula &formula, Arithmetic arithmetic, Cell argument = {}) const;
     [[noreturn]] void Explain(Run &run, const Node &node, const Formula &formula, const FormulaError &error,
                               const std::string &argument) const;

@@ -50,12 +50,10 @@ void Loader::Load()
     xml_ = xml_.substr(0, xml_.find_last_not_of('\0') + 1);
     if (xml_.size() > maxText)
         throw Error(Say("[description] is too large, ", std::to_string(xml_.size()), " bytes"));
-    table_.text = xml_;
-
-    // Parsed in place: names and texts stay in table_.text when the document is gone.
+    text_ = xml_;
     pugi::xml_document document;
     const pugi::xml_parse_result parsed =
-        document.load_buffer_inplace(table_.text.data(), table_.text.size(), pugi::parse_default, pugi::encoding_utf8);
+        document.load_buffer_inplace(text_.data(), text_.size(), pugi::parse_default, pugi::encoding_utf8);
     if (!parsed)
         throw Error(
             Say("[description] line ", std::to_string(LineAt(parsed.offset)), ": no XML, ", parsed.description()));
@@ -72,6 +70,7 @@ void Loader::Load()
             TakeProperties(*pending.node, pending.outer);
         TakeProperties(*pending.node, pending.element);
     }
+    GiveLinks();
     CheckTargets();
     // Formulas may use the entries of enumerations.
     for (const bool enumerations : {true, false})
@@ -80,16 +79,18 @@ void Loader::Load()
                 node->Finish(*this);
     CheckDependencies(*this, state_);
     SpreadPolling(state_);
+    state_.nodes.shrink_to_fit();
+    table_.texts.Trim();
 }
 
 void Loader::ReadHead(pugi::xml_node root)
 {
     Description &head = table_.description;
-    head.modelName = root.attribute("ModelName").value();
-    head.vendorName = root.attribute("VendorName").value();
-    head.toolTip = root.attribute("ToolTip").value();
-    head.productGuid = root.attribute("ProductGuid").value();
-    head.versionGuid = root.attribute("VersionGuid").value();
+    head.modelName = Keep(root.attribute("ModelName").value());
+    head.vendorName = Keep(root.attribute("VendorName").value());
+    head.toolTip = Keep(root.attribute("ToolTip").value());
+    head.productGuid = Keep(root.attribute("ProductGuid").value());
+    head.versionGuid = Keep(root.attribute("VersionGuid").value());
     head.schemaMajor = NumberOf(root.attribute("SchemaMajorVersion"), 1);
     head.schemaMinor = NumberOf(root.attribute("SchemaMinorVersion"), 1);
     if (head.schemaMajor != 1)
@@ -121,8 +122,11 @@ void Loader::Collect(pugi::xml_node parent, unsigned nesting)
 void Loader::CollectInner(pugi::xml_node element, Node &node)
 {
     if (auto *const enumeration = dynamic_cast<EnumerationNode *>(&node)) {
-        for (const pugi::xml_node entry : element.children("EnumEntry"))
-            enumeration->AddEntry(static_cast<EnumEntryNode &>(MakeEntry(entry, node)));
+        for (const pugi::xml_node child : element.children("EnumEntry")) {
+            auto &entry = static_cast<EnumEntryNode &>(MakeEntry(child, node));
+            enumeration->AddEntry(entry);
+            AddLink(node, entry, Role::Entry);
+        }
         return;
     }
     for (const pugi::xml_node formula : element.children("IntSwissKnife"))
@@ -131,19 +135,18 @@ void Loader::CollectInner(pugi::xml_node element, Node &node)
 
 Node &Loader::Make(const Kind &kind, pugi::xml_node element, pugi::xml_node outer)
 {
-    Add(kind.make(static_cast<NodeId>(state_.nodes.size()), NameOf(element), kind), element, outer);
+    Add(kind.make(static_cast<NodeId>(state_.nodes.size()), Keep(NameOf(element)), kind), element, outer);
     return *state_.nodes.back();
 }
 
 /// Entries of different enumerations share names: as nodes they are called EnumEntry_Enumeration_Entry.
 Node &Loader::MakeEntry(pugi::xml_node element, const Node &owner)
 {
-    std::string_view name = NameOf(element), symbol = name;
     const std::string prefix = "EnumEntry_" + std::string(owner.Name()) + "_";
-    if (name.starts_with(prefix))
-        symbol.remove_prefix(prefix.size());
-    else if (!name.empty())
-        name = table_.madeNames.emplace_back(prefix + std::string(name));
+    const std::string_view given = NameOf(element);
+    const bool isWhole = given.starts_with(prefix) || given.empty();
+    const std::string_view name = Keep(isWhole ? std::string(given) : prefix + std::string(given));
+    const std::string_view symbol = name.substr(given.empty() ? 0 : prefix.size());
     Add(new EnumEntryNode(static_cast<NodeId>(state_.nodes.size()), name, symbol, enumEntryKind), element, {});
     return *state_.nodes.back();
 }
@@ -156,11 +159,10 @@ void Loader::Add(Node *node, pugi::xml_node element, pugi::xml_node outer)
         Fail(element, "has no Name");
     if (state_.nodes.size() > maxNodes)
         Fail(element, Say("is one node too many, ", std::to_string(maxNodes), " can be"));
-    const auto [place, isNew] = table_.byName.emplace(node->Name(), node);
+    const Node *const other = table_.byName.Add(*node);
     // Names of entries are put together, so that two may be the same by chance; enumerations find theirs by symbol.
-    if (!isNew && node->Type() != NodeType::EnumEntry)
-        FailLoading(*this, *node,
-                    Say("has the name of the node of line ", std::to_string(LineOf(*place->second)), " too"));
+    if (other != nullptr && node->Type() != NodeType::EnumEntry)
+        FailLoading(*this, *node, Say("has the name of the node of line ", std::to_string(LineOf(*other)), " too"));
     pending_.push_back({node, element, outer});
 }
 
@@ -178,6 +180,20 @@ void Loader::TakeProperties(Node &node, pugi::xml_node element)
     }
 }
 
+/// The links in the order of the nodes, and to each node its own.
+void Loader::GiveLinks()
+{
+    std::ranges::stable_sort(links_, {}, [](const auto &link) { return link.first; });
+    state_.links.reserve(links_.size());
+    for (const auto &[id, link] : links_)
+        state_.links.push_back(link);
+    for (std::size_t begin = 0, end = 0; begin < links_.size(); begin = end) {
+        while (end < links_.size() && links_[end].first == links_[begin].first)
+            ++end;
+        state_.nodes[links_[begin].first]->SetLinks(std::span(state_.links).subspan(begin, end - begin));
+    }
+}
+
 void Loader::CheckTargets() const
 {
     for (const auto &node : state_.nodes)
@@ -185,12 +201,6 @@ void Loader::CheckTargets() const
             if (NeedsNumber(link.role) && !HasNumber(link.target->Type()) && node->Type() != NodeType::String)
                 FailLoading(*this, *node,
                             Say("needs a number of ", link.target->Name(), ", which is a ", link.target->KindName()));
-}
-
-Node *Loader::Resolve(std::string_view name) const
-{
-    const auto found = table_.byName.find(name);
-    return found == table_.byName.end() ? nullptr : found->second;
 }
 
 Node *Loader::InnerNode(pugi::xml_node element) const

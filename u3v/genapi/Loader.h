@@ -3,10 +3,10 @@
 // reference may point forwards. What cannot be honoured is refused with node and line.
 
 #include "u3v/genapi/MapState.h"
+#include "u3v/genapi/TextStore.h"
 
 #include <pugixml.hpp>
 
-#include <deque>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -21,11 +21,10 @@ struct Description {
     std::vector<std::string> notes; ///< what was skipped: "line 12: [Gain] pFoo is not known"
 };
 
-/// The text, which all names and descriptions of nodes point into, and the look-up by name.
+/// What a map has beside its nodes: their texts, and the look-up by name.
 struct NodeTable {
-    std::string text;
-    std::deque<std::string> madeNames; ///< of enumeration entries
-    std::unordered_map<std::string_view, Node *> byName;
+    TextStore texts;
+    NameIndex byName;
     Description description;
 };
 
@@ -38,7 +37,9 @@ class Loader {
 
     void Load();
 
-    Node *Resolve(std::string_view name) const;
+    Node *Resolve(std::string_view name) const { return table_.byName.Find(name); }
+    void AddLink(const Node &from, Node &target, Role role) { links_.push_back({from.Id(), {&target, role}}); }
+    std::string_view Keep(std::string_view text) { return table_.texts.Keep(text); }
     Node *InnerNode(pugi::xml_node element) const;
     std::size_t LineOf(pugi::xml_node element) const;
     std::size_t LineOf(const Node &node) const { return LineAt(offsets_[node.Id()]); }
@@ -61,16 +62,19 @@ class Loader {
     Node &MakeEntry(pugi::xml_node element, const Node &owner);
     void Add(Node *node, pugi::xml_node element, pugi::xml_node outer);
     void TakeProperties(Node &node, pugi::xml_node element);
+    void GiveLinks();
     void CheckTargets() const;
     void Note(pugi::xml_node element, const std::string &text);
     std::size_t LineAt(std::ptrdiff_t offset) const;
     [[noreturn]] void Fail(pugi::xml_node element, const std::string &text) const;
 
     std::string_view xml_;
+    std::string text_; ///< the same, taken apart in place
     NodeTable &table_;
     MapState &state_;
     std::vector<Pending> pending_;
     std::vector<std::ptrdiff_t> offsets_;
+    std::vector<std::pair<NodeId, Link>> links_;
     std::unordered_map<std::size_t, Node *> inner_; ///< by the element's hash value
 };
 

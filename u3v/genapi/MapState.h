@@ -23,6 +23,7 @@ class MapState {
     Port &port;
     RegisterCache cache;
     std::vector<std::unique_ptr<Node>> nodes;
+    std::vector<Link> links; ///< those of each node together
 
     std::chrono::milliseconds Now() const;
 

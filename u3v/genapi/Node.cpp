@@ -21,6 +21,15 @@ constexpr std::string_view representationNames[] = {"Linear",    "Logarithmic", 
 
 } // namespace
 
+const Node::FeatureAttributes Node::noMore;
+
+Node::FeatureAttributes &Node::AddMore()
+{
+    if (!more_)
+        more_ = std::make_unique<FeatureAttributes>();
+    return *more_;
+}
+
 Node *Node::LinkTo(Role role) const
 {
     for (const Link &link : links_)
@@ -33,29 +42,29 @@ bool Node::Take(const Property &property)
 {
     switch (property.prop) {
     // clang-format off
-    case Prop::ToolTip:           said_.toolTip = property.Text(); return true;
-    case Prop::Description:       said_.description = property.Text(); return true;
-    case Prop::DisplayName:       said_.displayName = property.Text(); return true;
-    case Prop::DocuURL:           said_.docuUrl = property.Text(); return true;
-    case Prop::Unit:              said_.unit = property.Text(); return true;
-    case Prop::EventID:           said_.eventId = property.Hex(); return true;
+    case Prop::ToolTip:           AddMore().toolTip = property.Kept(); return true;
+    case Prop::Description:       AddMore().description = property.Kept(); return true;
+    case Prop::DisplayName:       AddMore().displayName = property.Kept(); return true;
+    case Prop::DocuURL:           AddMore().docuUrl = property.Kept(); return true;
+    case Prop::Unit:              AddMore().unit = property.Kept(); return true;
+    case Prop::EventID:           AddMore().eventId = property.Hex(); return true;
     case Prop::Visibility:        said_.visibility = property.OneOf<Visibility>(visibilityNames); return true;
     case Prop::Representation:    said_.representation = property.OneOf<Representation>(representationNames); return true;
     case Prop::DisplayNotation:   said_.displayNotation = property.OneOf<DisplayNotation>(notationNames); return true;
-    case Prop::DisplayPrecision:  said_.displayPrecision = property.Int(); return true;
+    case Prop::DisplayPrecision:  AddMore().displayPrecision = static_cast<std::int16_t>(std::clamp<std::int64_t>(property.Int(), 0, 999)); return true;
     case Prop::ImposedAccessMode: said_.imposed = property.OneOf<AccessMode>(accessNames); return true;
     case Prop::Streamable:        said_.streamable = property.YesNo(); return true;
     case Prop::IsDeprecated:      said_.deprecated = property.YesNo(); return true;
     case Prop::pIsImplemented:    implemented_ = property.Target(Role::Condition); return true;
     case Prop::pIsAvailable:      available_ = property.Target(Role::Condition); return true;
     case Prop::pIsLocked:         locked_ = property.Target(Role::Condition); return true;
-    case Prop::pError:            error_ = property.Target(Role::Error); return true;
+    case Prop::pError:            AddMore().error = property.Target(Role::Error); return true;
     case Prop::pInvalidator:      property.Target(Role::Invalidator); return true;
     case Prop::pSelected:         property.Target(Role::Selected); return true;
     case Prop::pAlias:            property.Target(Role::Alias); return true;
     case Prop::pCastAlias:        property.Target(Role::CastAlias); return true;
     case Prop::ExposeStatic:      said_.exposedStatic = property.YesNo(); return true;
-    case Prop::PollingTime:       said_.pollingTime = std::max<std::int64_t>(property.Int(), 0); return true;
+    case Prop::PollingTime:       AddMore().pollingTime = static_cast<std::uint32_t>(std::clamp<std::int64_t>(property.Int(), 0, ~0u)); return true;
     case Prop::pBlockPolling:     property.Target(Role::BlockPolling); return true;
     // The vendor's own elements.
     case Prop::Extension:         return true;
@@ -127,13 +136,14 @@ void Node::RequireWritable(const Run &run)
 
 void Node::CheckError(Run &run)
 {
-    if (!error_)
+    Node *const error = More().error;
+    if (error == nullptr)
         return;
     Run fresh{run.map, run.subject, false, true};
-    if (const std::int64_t code = error_->GetInt(fresh); code != 0) {
-        const bool named = error_->Type() == NodeType::Enumeration;
+    if (const std::int64_t code = error->GetInt(fresh); code != 0) {
+        const bool named = error->Type() == NodeType::Enumeration;
         Fail(run,
-             Say("was refused by the camera, ", error_->Name(), " is ", (named ? error_->GetText(fresh) : Text(code))));
+             Say("was refused by the camera, ", error->Name(), " is ", (named ? error->GetText(fresh) : Text(code))));
     }
 }
 

@@ -6,6 +6,7 @@
 #include "u3v/genapi/NodeTypes.h"
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -78,10 +79,6 @@ class Node {
 
     /// What the description says of every kind of node.
     struct Attributes {
-        std::string_view toolTip, description, displayName, docuUrl, unit;
-        std::optional<std::uint64_t> eventId;
-        std::optional<std::int64_t> displayPrecision;
-        std::int64_t pollingTime = 0; ///< ms; of its value, wherever that is kept
         Visibility visibility = Visibility::Beginner;
         std::optional<Representation> representation;
         std::optional<DisplayNotation> displayNotation;
@@ -91,20 +88,30 @@ class Node {
         bool exposedStatic = true; ///< wanted by code generators
         bool feature = false;      ///< a category lists it
     };
+    /// The same, as far as few nodes have it: features rather than registers.
+    struct FeatureAttributes {
+        std::string_view toolTip, description, displayName, docuUrl, unit;
+        std::optional<std::uint64_t> eventId;
+        Node *error = nullptr;
+        std::uint32_t pollingTime = 0; ///< ms; of its value, wherever that is kept
+        std::optional<std::int16_t> displayPrecision;
+    };
 
     NodeId Id() const { return id_; }
     std::string_view Name() const { return name_; }
     std::string_view KindName() const { return kind_->element; }
     NodeType Type() const { return kind_->type; }
     const Attributes &Said() const { return said_; }
-    const std::vector<Link> &Links() const { return links_; }
+    const FeatureAttributes &More() const { return more_ ? *more_ : noMore; }
+    /// Known when all properties are taken.
+    std::span<const Link> Links() const { return links_; }
+    void SetLinks(std::span<const Link> links) { links_ = links; }
     Node *LinkTo(Role role) const; ///< the first of that role, or null
 
     /// Takes a property; false when this kind has none of that name.
     virtual bool Take(const Property &property);
     /// Called when all properties are taken.
     virtual void Finish(Loader &) {}
-    void AddLink(Node &target, Role role) { links_.push_back({&target, role}); }
     void SetFeature() { said_.feature = true; }
     bool HasConditions() const
     {
@@ -149,9 +156,13 @@ class Node {
     NodeId id_;
     std::string_view name_;
     const Kind *kind_;
+    static const FeatureAttributes noMore;
+    FeatureAttributes &AddMore();
+
     Attributes said_;
-    Node *implemented_ = nullptr, *available_ = nullptr, *locked_ = nullptr, *error_ = nullptr;
-    std::vector<Link> links_;
+    Node *implemented_ = nullptr, *available_ = nullptr, *locked_ = nullptr;
+    std::unique_ptr<FeatureAttributes> more_;
+    std::span<const Link> links_; ///< of all nodes in one place
 };
 
 /// Rounds half away from zero, or refuses.

@@ -37,62 +37,62 @@ NodeId           NodeMap::Size() const                         { return static_c
 NodeType         NodeMap::Type(NodeId id) const                { return At(id).Type(); }
 std::string_view NodeMap::KindName(NodeId id) const            { return At(id).KindName(); }
 std::string_view NodeMap::Name(NodeId id) const                { return At(id).Name(); }
-std::string_view NodeMap::Description(NodeId id) const         { return At(id).Said().description; }
-std::string_view NodeMap::ToolTip(NodeId id) const             { return At(id).Said().toolTip; }
-std::string_view NodeMap::DocuUrl(NodeId id) const             { return At(id).Said().docuUrl; }
+std::string_view NodeMap::Description(NodeId id) const         { return At(id).More().description; }
+std::string_view NodeMap::ToolTip(NodeId id) const             { return At(id).More().toolTip; }
+std::string_view NodeMap::DocuUrl(NodeId id) const             { return At(id).More().docuUrl; }
 Visibility       NodeMap::NodeVisibility(NodeId id) const      { return At(id).Said().visibility; }
 CachingMode      NodeMap::Caching(NodeId id) const             { return content_->state.CachingOf(At(id)); }
 bool             NodeMap::IsFeature(NodeId id) const           { return At(id).Said().feature; }
 bool             NodeMap::IsStreamable(NodeId id) const        { return At(id).Said().streamable; }
 bool             NodeMap::IsDeprecated(NodeId id) const        { return At(id).Said().deprecated; }
 bool             NodeMap::IsExposedStatic(NodeId id) const     { return At(id).Said().exposedStatic; }
-std::int64_t     NodeMap::PollingTime(NodeId id) const         { return At(id).Said().pollingTime; }
+std::int64_t     NodeMap::PollingTime(NodeId id) const         { return At(id).More().pollingTime; }
 bool             NodeMap::IsSelector(NodeId id) const          { return At(id).LinkTo(Role::Selected) != nullptr; }
-std::optional<std::uint64_t> NodeMap::EventId(NodeId id) const { return At(id).Said().eventId; }
+std::optional<std::uint64_t> NodeMap::EventId(NodeId id) const { return At(id).More().eventId; }
 // clang-format on
 
 std::optional<NodeId> NodeMap::Find(std::string_view name) const
 {
-    const auto found = content_->table.byName.find(name);
-    return found == content_->table.byName.end() ? std::nullopt : std::optional(found->second->Id());
+    const Node *const node = content_->table.byName.Find(name);
+    return node == nullptr ? std::nullopt : std::optional(node->Id());
 }
 
 std::string_view NodeMap::DisplayName(NodeId id) const
 {
     const Node &node = At(id);
-    return node.Said().displayName.empty() ? node.Name() : node.Said().displayName;
+    return node.More().displayName.empty() ? node.Name() : node.More().displayName;
 }
 
 /// What the first of a node and those that hold its value says, by @p look.
 template <class F>
-static auto SaidAlongTheValue(const Node &first, F look) -> decltype(look(first.Said()))
+static auto SaidAlongTheValue(const Node &first, F look) -> decltype(look(first))
 {
     for (const Node *node = &first; node != nullptr; node = node->LinkTo(Role::Value))
-        if (const auto said = look(node->Said()); said != decltype(said)())
+        if (const auto said = look(*node); said != decltype(said)())
             return said;
     return {};
 }
 
 std::string_view NodeMap::Unit(NodeId id) const
 {
-    return SaidAlongTheValue(At(id), [](const Node::Attributes &said) { return said.unit; });
+    return SaidAlongTheValue(At(id), [](const Node &node) { return node.More().unit; });
 }
 
 Representation NodeMap::NodeRepresentation(NodeId id) const
 {
-    return SaidAlongTheValue(At(id), [](const Node::Attributes &said) { return said.representation; })
+    return SaidAlongTheValue(At(id), [](const Node &node) { return node.Said().representation; })
         .value_or(Representation::Undefined);
 }
 
 DisplayNotation NodeMap::Notation(NodeId id) const
 {
-    return SaidAlongTheValue(At(id), [](const Node::Attributes &said) { return said.displayNotation; })
+    return SaidAlongTheValue(At(id), [](const Node &node) { return node.Said().displayNotation; })
         .value_or(DisplayNotation::Automatic);
 }
 
 std::int64_t NodeMap::DisplayPrecision(NodeId id) const
 {
-    return SaidAlongTheValue(At(id), [](const Node::Attributes &said) { return said.displayPrecision; }).value_or(6);
+    return SaidAlongTheValue(At(id), [](const Node &node) { return node.More().displayPrecision; }).value_or(6);
 }
 
 AccessMode NodeMap::Access(NodeId id) const
@@ -151,7 +151,7 @@ std::vector<NodeId> NodeMap::DeliverEvent(std::uint64_t eventId, std::span<const
     const auto lock = Lock();
     std::vector<NodeId> nodes;
     for (const auto &node : content_->state.nodes) {
-        if (node->Said().eventId != eventId)
+        if (node->More().eventId != eventId)
             continue;
         if (auto *const port = dynamic_cast<PortNode *>(node.get()))
             port->Deliver(payload);

@@ -1,5 +1,5 @@
 #pragma once
-// The value sets of node attributes, numbered as in the public header.
+// The value sets of node attributes, numbered as in the public header; bytes, for a description has thousands of nodes.
 
 #include <cstdint>
 
@@ -12,16 +12,16 @@ using NodeId = std::uint32_t;
 constexpr NodeId maxNodes = (1u << 20) - 1;
 
 // clang-format off
-enum class NodeType : std::uint32_t {
+enum class NodeType : std::uint8_t {
     Value, Base, Integer, Boolean, Command, Float, String, Register, Category, Enumeration, EnumEntry, Port
 };
-enum class AccessMode     : std::uint32_t { NotImplemented, NotAvailable, WriteOnly, ReadOnly, ReadWrite };
-enum class Visibility     : std::uint32_t { Beginner, Expert, Guru, Invisible };
-enum class CachingMode    : std::uint32_t { NoCache, WriteThrough, WriteAround };
-enum class Representation : std::uint32_t {
+enum class AccessMode     : std::uint8_t { NotImplemented, NotAvailable, WriteOnly, ReadOnly, ReadWrite };
+enum class Visibility     : std::uint8_t { Beginner, Expert, Guru, Invisible };
+enum class CachingMode    : std::uint8_t { NoCache, WriteThrough, WriteAround };
+enum class Representation : std::uint8_t {
     Linear, Logarithmic, Boolean, PureNumber, HexNumber, IpV4Address, MacAddress, Undefined
 };
-enum class DisplayNotation : std::uint32_t { Automatic, Fixed, Scientific };
+enum class DisplayNotation : std::uint8_t { Automatic, Fixed, Scientific };
 // clang-format on
 
 constexpr bool IsReadable(AccessMode mode) { return mode == AccessMode::ReadOnly || mode == AccessMode::ReadWrite; }

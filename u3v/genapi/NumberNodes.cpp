@@ -110,14 +110,29 @@ bool ValueNode<T>::Take(const Property &property)
     case Prop::pMax:          max_.Take(property.Target(Role::Limit)); return true;
     case Prop::Inc:           inc_.Take(property.Number<T>()); return true;
     case Prop::pInc:          inc_.Take(property.Target(Role::Limit)); return true;
-    case Prop::pIndex:        index_ = property.Target(Role::Index); return true;
-    case Prop::ValueDefault:  default_.Take(property.Number<T>()); return true;
-    case Prop::pValueDefault: default_.Take(property.Target(Role::Value)); return true;
-    case Prop::pValueCopy:    copies_.push_back(property.Target(Role::Copy)); return true;
+    default:                  return TakeRare(property) || NumberNode<T>::Take(property);
+        // clang-format on
+    }
+}
+
+template <class T>
+bool ValueNode<T>::TakeRare(const Property &property)
+{
+    const auto rare = [&]() -> Rare & {
+        if (!rare_)
+            rare_ = std::make_unique<Rare>();
+        return *rare_;
+    };
+    switch (property.prop) {
+    // clang-format off
+    case Prop::pIndex:        rare().index = property.Target(Role::Index); return true;
+    case Prop::ValueDefault:  rare().otherwise.Take(property.Number<T>()); return true;
+    case Prop::pValueDefault: rare().otherwise.Take(property.Target(Role::Value)); return true;
+    case Prop::pValueCopy:    rare().copies.push_back(property.Target(Role::Copy)); return true;
         // clang-format on
     case Prop::ValueIndexed:
     case Prop::pValueIndexed: {
-        Indexed &entry = indexed_.emplace_back(Indexed{property.IntAttribute("Index"), {}});
+        Indexed &entry = rare().indexed.emplace_back(Indexed{property.IntAttribute("Index"), {}});
         if (property.prop == Prop::ValueIndexed)
             entry.source.Take(property.Number<T>());
         else
@@ -129,35 +144,34 @@ bool ValueNode<T>::Take(const Property &property)
         std::string_view rest = property.Text();
         while (!rest.empty()) {
             const std::size_t end = std::min(rest.find(';'), rest.size());
-            validValues_.push_back(property.NumberOf<T>(rest.substr(0, end)));
+            rare().validValues.push_back(property.NumberOf<T>(rest.substr(0, end)));
             rest.remove_prefix(std::min(end + 1, rest.size()));
         }
         return true;
     }
     default:
-        return NumberNode<T>::Take(property);
+        return false;
     }
 }
 
 template <class T>
 void ValueNode<T>::Finish(Loader &loader)
 {
-    if (index_ ? !default_.given && indexed_.empty() : !value_.given)
+    const bool given = rare_ && rare_->index ? rare_->otherwise.given || !rare_->indexed.empty() : value_.given;
+    if (!given)
         FailLoading(loader, *this, "has no value");
 }
 
 template <class T>
-Source<T> &ValueNode<T>::Current(Run &run)
+Source<T> &ValueNode<T>::Chosen(Run &run)
 {
-    if (!index_)
-        return value_;
-    const std::int64_t index = index_->GetInt(run);
-    for (Indexed &entry : indexed_)
+    const std::int64_t index = rare_->index->GetInt(run);
+    for (Indexed &entry : rare_->indexed)
         if (entry.index == index)
             return entry.source;
-    if (!default_.given)
+    if (!rare_->otherwise.given)
         this->Fail(run, Say("has no value for index ", Text(index)));
-    return default_;
+    return rare_->otherwise;
 }
 
 template <class T>
@@ -171,8 +185,9 @@ void ValueNode<T>::SetValue(Run &run, T value)
         source.constant = value;
         run.map.Changed(*this);
     }
-    for (Node *copy : copies_)
-        SetNumber<T>(*copy, run, value);
+    if (rare_)
+        for (Node *copy : rare_->copies)
+            SetNumber<T>(*copy, run, value);
 }
 
 template <class T>
@@ -207,7 +222,7 @@ std::optional<T> ValueNode<T>::ValueInc(Run &run)
 template <class T>
 void ValueNode<T>::Check(Run &run, T value)
 {
-    if (!validValues_.empty() && std::find(validValues_.begin(), validValues_.end(), value) == validValues_.end())
+    if (rare_ && !rare_->validValues.empty() && std::ranges::count(rare_->validValues, value) == 0)
         this->Fail(run, Say("cannot take ", Text(value), ", it is not in the set of valid values"));
     // Limits that are not said here are those of the node below, which checks them itself.
     Node *const below = Below(run);
@@ -222,7 +237,7 @@ void ValueNode<T>::Check(Run &run, T value)
 template <class T>
 AccessMode ValueNode<T>::ValueAccess(Run &run)
 {
-    if (index_ && !IsReadable(index_->Access(run)))
+    if (rare_ && rare_->index && !IsReadable(rare_->index->Access(run)))
         return AccessMode::NotAvailable;
     Node *const below = Below(run);
     return below ? below->Access(run) : AccessMode::ReadWrite;

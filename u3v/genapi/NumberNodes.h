@@ -130,15 +130,22 @@ class ValueNode final : public NumberNode<T> {
         Source<T> source;
     };
 
-    Source<T> &Current(Run &run);
+    /// What few nodes have.
+    struct Rare {
+        Node *index = nullptr;
+        std::vector<Indexed> indexed;
+        Source<T> otherwise;
+        std::vector<Node *> copies;
+        std::vector<T> validValues;
+    };
+
+    bool TakeRare(const Property &property);
+    Source<T> &Current(Run &run) { return rare_ && rare_->index ? Chosen(run) : value_; }
+    Source<T> &Chosen(Run &run);
     Node *Below(Run &run) { return Current(run).node; }
 
     Source<T> value_, min_, max_, inc_;
-    Node *index_ = nullptr;
-    std::vector<Indexed> indexed_;
-    Source<T> default_;
-    std::vector<Node *> copies_;
-    std::vector<T> validValues_;
+    std::unique_ptr<Rare> rare_;
 };
 
 extern template class NumberNode<std::int64_t>;

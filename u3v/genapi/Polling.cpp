@@ -24,7 +24,7 @@ class Spreading {
         std::vector<Node *> polled;
         bool invalidators = false;
         for (const auto &node : state.nodes) {
-            if (node->Said().pollingTime > 0)
+            if (node->More().pollingTime > 0)
                 polled.push_back(node.get());
             for (const Link &link : node->Links())
                 invalidators |= link.role == Role::Invalidator;
@@ -32,9 +32,9 @@ class Spreading {
         if (invalidators && !polled.empty())
             ListReferrers();
         // The shortest times first: each node is met once, with the time that counts.
-        std::ranges::stable_sort(polled, {}, [](const Node *node) { return node->Said().pollingTime; });
+        std::ranges::stable_sort(polled, {}, [](const Node *node) { return node->More().pollingTime; });
         for (Node *const node : polled) {
-            time_ = node->Said().pollingTime;
+            time_ = node->More().pollingTime;
             block_ = node->LinkTo(Role::BlockPolling);
             PollValue(*node);
             Spread();

@@ -14,7 +14,7 @@ class PortNode final : public Node {
     bool Take(const Property &property) override;
 
     /// Else the port shows delivered data, and has nothing to show before the first delivery.
-    bool IsCamera() const { return !Said().eventId && !chunkId_.given; }
+    bool IsCamera() const { return !More().eventId && !chunkId_.given; }
     bool IsAlwaysOpen() const { return IsCamera() && !HasConditions(); }
     /// The chunk that it shows, as far as that is known now.
     bool Shows(Run &run, std::uint64_t chunkId) const;

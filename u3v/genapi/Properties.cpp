@@ -66,6 +66,10 @@ std::int64_t Property::ParseInt(std::string_view text) const
     return static_cast<std::int64_t>(negative ? 0 - magnitude : magnitude);
 }
 
+std::string_view Property::Kept() const { return loader_.Keep(Text()); }
+
+std::string_view Property::KeptAttribute(const char *name) const { return loader_.Keep(Attribute(name)); }
+
 bool Property::IsInt() const
 {
     const std::string_view text = Text();
@@ -122,7 +126,7 @@ Node *Property::Link(std::string_view name, Role role) const
     Node *const target = loader_.Resolve(name);
     if (target == nullptr)
         Fail(Say("there is no node '", name, "'"));
-    owner_.AddLink(*target, role);
+    loader_.AddLink(owner_, *target, role);
     return target;
 }
 
@@ -133,7 +137,7 @@ Node *Property::Inner(Role role) const
     Node *const target = loader_.InnerNode(element_);
     if (target == nullptr)
         Fail("it stands where none can");
-    owner_.AddLink(*target, role);
+    loader_.AddLink(owner_, *target, role);
     return target;
 }
 

@@ -45,8 +45,11 @@ class Property {
 
     const Prop prop;
 
-    std::string_view Text() const; ///< without blanks around it; lives as long as the map
+    std::string_view Text() const; ///< without blanks around it
     std::string_view Attribute(const char *name) const;
+    // The same, to be kept: lives as long as the map.
+    std::string_view Kept() const;
+    std::string_view KeptAttribute(const char *name) const;
     std::int64_t Int() const { return ParseInt(Text()); }
     bool IsInt() const;        ///< a number without fraction and exponent
     std::uint64_t Hex() const; ///< with or without 0x

@@ -42,11 +42,11 @@ bool RegisterNode::TakeRegister(const Property &property)
 {
     switch (property.prop) {
     // clang-format off
-    case Prop::Address:    address_ += property.Int(); return true;
-    case Prop::pAddress:   addresses_.push_back(property.Target(Role::Address)); return true;
-    case Prop::IntSwissKnife: addresses_.push_back(property.Inner(Role::Address)); return true;
-    case Prop::Length:     length_.Take(property.Int()); return true;
-    case Prop::pLength:    length_.Take(property.Target(Role::Address)); return true;
+    case Prop::Address:    address_ += static_cast<std::uint64_t>(property.Int()); return true;
+    case Prop::pAddress:   AddMoving().addresses.push_back(property.Target(Role::Address)); return true;
+    case Prop::IntSwissKnife: AddMoving().addresses.push_back(property.Inner(Role::Address)); return true;
+    case Prop::Length:     length_ = static_cast<std::uint32_t>(std::clamp<std::int64_t>(property.Int(), 0, notGiven - 1)); return true;
+    case Prop::pLength:    lengthNode_ = property.Target(Role::Address); return true;
     case Prop::AccessMode: accessMode_ = property.OneOf<AccessMode>(accessNames); return true;
     case Prop::Cachable:   caching_ = property.OneOf<CachingMode>(cachingNames); return true;
     case Prop::Endianess:  bigEndian_ = property.OneOf<int>(endianNames) == 1; return true;
@@ -63,7 +63,7 @@ bool RegisterNode::TakeRegister(const Property &property)
             offset.factorNode = property.AttributeTarget("pOffset", Role::Address);
         else if (!property.Attribute("Offset").empty())
             offset.factor = property.IntAttribute("Offset");
-        offsets_.push_back(offset);
+        AddMoving().offsets.push_back(offset);
         return true;
     }
     default:
@@ -73,49 +73,56 @@ bool RegisterNode::TakeRegister(const Property &property)
 
 void RegisterNode::FinishRegister(Loader &loader, std::size_t limit)
 {
-    moves_ = !addresses_.empty() || !offsets_.empty();
-    if (!length_.given)
+    bigEndian_ = bigEndian_ != (port_ != nullptr && port_->SwapsEndianess());
+    isRemembered_ = caching_ != CachingMode::NoCache && (port_ == nullptr || port_->IsCamera());
+    if (length_ == notGiven && lengthNode_ == nullptr)
         FailLoading(loader, AsNode(), "has no Length");
-    if (length_.node == nullptr) {
-        const std::int64_t length = length_.constant;
+    if (lengthNode_ == nullptr) {
+        const std::int64_t length = length_;
         const std::size_t most = limit != 0 ? limit : maxLength;
         if (length <= 0 || static_cast<std::uint64_t>(length) > most)
             FailLoading(loader, AsNode(),
                         Say("has a Length of ", Text(length), ", 1 to ", std::to_string(most), " can be"));
         constexpr std::uint64_t page = RegisterCache::Page::size;
-        const std::uint64_t end = static_cast<std::uint64_t>(address_) % page + static_cast<std::uint64_t>(length);
-        isInOnePage_ = !moves_ && end <= page;
+        const std::uint64_t end = address_ % page + static_cast<std::uint64_t>(length);
+        isInOnePage_ = !moving_ && end <= page;
         // An index without an offset counts registers.
-        for (Offset &offset : offsets_)
-            if (offset.factor == 0 && offset.factorNode == nullptr)
-                offset.factor = length;
+        if (moving_)
+            for (Offset &offset : moving_->offsets)
+                if (offset.factor == 0 && offset.factorNode == nullptr)
+                    offset.factor = length;
     } else if (limit != 0) {
         FailLoading(loader, AsNode(), "has a pLength, a constant Length is needed");
     }
 }
 
+RegisterNode::Moving &RegisterNode::AddMoving()
+{
+    if (!moving_)
+        moving_ = std::make_unique<Moving>();
+    return *moving_;
+}
+
 AccessMode RegisterNode::RegisterAccess(Run &run)
 {
-    for (Node *node : addresses_)
-        if (!IsReadable(node->Access(run)))
-            return AccessMode::NotAvailable;
-    for (const Offset &offset : offsets_)
-        if (!IsReadable(offset.index->Access(run)))
-            return AccessMode::NotAvailable;
+    if (moving_) {
+        for (Node *node : moving_->addresses)
+            if (!IsReadable(node->Access(run)))
+                return AccessMode::NotAvailable;
+        for (const Offset &offset : moving_->offsets)
+            if (!IsReadable(offset.index->Access(run)))
+                return AccessMode::NotAvailable;
+    }
     return port_ && !port_->IsAlwaysOpen() ? Combine(accessMode_, port_->Access(run)) : accessMode_;
 }
 
-bool RegisterNode::IsBigEndian() const { return bigEndian_ != (port_ != nullptr && port_->SwapsEndianess()); }
-
-std::uint64_t RegisterNode::AddressNow(Run &run)
+std::uint64_t RegisterNode::MovingAddress(Run &run)
 {
-    auto address = static_cast<std::uint64_t>(address_);
-    if (!moves_)
-        return address;
     run.map.Step(run, AsNode());
-    for (Node *node : addresses_)
+    std::uint64_t address = address_;
+    for (Node *node : moving_->addresses)
         address += static_cast<std::uint64_t>(node->GetInt(run));
-    for (const Offset &offset : offsets_) {
+    for (const Offset &offset : moving_->offsets) {
         const std::int64_t factor = offset.factorNode ? offset.factorNode->GetInt(run) : offset.factor;
         address += static_cast<std::uint64_t>(offset.index->GetInt(run)) * static_cast<std::uint64_t>(factor);
     }
@@ -124,35 +131,34 @@ std::uint64_t RegisterNode::AddressNow(Run &run)
 
 std::size_t RegisterNode::LengthNow(Run &run)
 {
-    const std::int64_t length = length_.Get(run);
+    const std::int64_t length = lengthNode_ ? lengthNode_->GetInt(run) : length_;
     if (length < 0 || static_cast<std::uint64_t>(length) > maxLength)
         AsNode().Fail(run, Say("has a length of ", Text(length), " bytes, ", std::to_string(maxLength), " can be"));
     return static_cast<std::size_t>(length);
 }
 
-bool RegisterNode::IsRemembered() const
-{
-    return caching_ != CachingMode::NoCache && (port_ == nullptr || port_->IsCamera());
-}
-
 void RegisterNode::Poll(std::int64_t milliseconds, Node *block)
 {
-    if (pollingTime_ != 0 && pollingTime_ <= milliseconds)
-        return;
-    pollingTime_ = milliseconds;
-    blockPolling_ = block;
+    const std::chrono::milliseconds time(milliseconds);
+    if (!polling_ || time < polling_->time)
+        polling_ = std::make_unique<Polling>(Polling{.time = time, .block = block});
 }
 
-bool RegisterNode::IsExpired(const Run &run) const
+bool RegisterNode::IsExpired(const Run &run, std::uint64_t address) const
 {
-    if (pollingTime_ <= 0 || run.map.Now() - lastRead_ < std::chrono::milliseconds(pollingTime_))
+    if (!polling_)
         return false;
-    if (blockPolling_ == nullptr || run.blocking)
+    // The time is that of the last place alone.
+    if (moving_ && address != moving_->last)
+        return true;
+    if (run.map.Now() - polling_->lastRead < polling_->time)
+        return false;
+    if (polling_->block == nullptr || run.blocking)
         return true;
     Run ask{run.map, run.subject};
     ask.blocking = true;
     try {
-        return blockPolling_->GetInt(ask) == 0;
+        return polling_->block->GetInt(ask) == 0;
     } catch (const Error &) {
         return true; // better one transaction too many than a value that is too old
     }
@@ -163,12 +169,9 @@ void RegisterNode::Read(Run &run, std::span<std::byte> data)
     if (accessMode_ == AccessMode::WriteOnly)
         AsNode().Fail(run, "cannot be read, it is write-only");
     const std::uint64_t address = AddressNow(run);
-    const bool ask =
-        run.ignoreCache || !IsRemembered() || (pollingTime_ > 0 && moves_ && address != lastAddress_) || IsExpired(run);
-    if (!ask) {
+    if (isRemembered_ && !run.ignoreCache && !IsExpired(run, address))
         if (page_ ? page_->Read(address % RegisterCache::Page::size, data) : run.map.cache.Read(address, data))
             return;
-    }
     ReadPort(run, address, data);
 }
 
@@ -180,7 +183,7 @@ void RegisterNode::ReadPort(Run &run, std::uint64_t address, std::span<std::byte
         else
             run.map.port.Read(address, data);
     });
-    if (!IsRemembered())
+    if (!isRemembered_)
         return;
     if (HasChanged(run.map, address, data))
         run.map.Changed(AsNode());
@@ -198,25 +201,28 @@ bool RegisterNode::HasChanged(MapState &map, std::uint64_t address, std::span<co
 
 void RegisterNode::Remember(MapState &map, std::uint64_t address, std::span<const std::byte> data)
 {
-    if (pollingTime_ > 0)
-        lastRead_ = map.Now();
-    lastAddress_ = address;
+    if (polling_)
+        polling_->lastRead = map.Now();
     if (page_ == nullptr && isInOnePage_)
         page_ = map.cache.PageOf(address);
     if (page_ != nullptr)
         page_->Store(address % RegisterCache::Page::size, data);
     else
         map.cache.Store(address, data);
-    if (moves_ && std::find(used_.begin(), used_.end(), address) == used_.end()) {
-        constexpr std::size_t maxUsed = 256;
-        if (used_.size() == maxUsed) {
-            for (const std::uint64_t old : used_)
-                map.cache.Forget(old, data.size());
-            used_.clear();
-            map.cache.Store(address, data);
-        }
-        used_.push_back(address);
+    if (!moving_)
+        return;
+    moving_->last = address;
+    std::vector<std::uint64_t> &used = moving_->used;
+    if (std::ranges::find(used, address) != used.end())
+        return;
+    constexpr std::size_t maxUsed = 256;
+    if (used.size() == maxUsed) {
+        for (const std::uint64_t old : used)
+            map.cache.Forget(old, data.size());
+        used.clear();
+        map.cache.Store(address, data);
     }
+    used.push_back(address);
 }
 
 void RegisterNode::Write(Run &run, std::span<const std::byte> data, std::span<const std::byte> mask)
@@ -235,7 +241,7 @@ void RegisterNode::Write(Run &run, std::span<const std::byte> data, std::span<co
         else
             run.map.port.Write(address, data);
     });
-    if (caching_ == CachingMode::WriteThrough && IsRemembered())
+    if (caching_ == CachingMode::WriteThrough && isRemembered_)
         Remember(run.map, address, data);
     run.map.Changed(AsNode());
     if (!run.verify || accessMode_ != AccessMode::ReadWrite)
@@ -251,16 +257,21 @@ void RegisterNode::Write(Run &run, std::span<const std::byte> data, std::span<co
 
 void RegisterNode::ForgetValue(MapState &map)
 {
-    if (length_.node != nullptr) {
+    if (lengthNode_ != nullptr) {
         map.cache.ForgetAll();
         return;
     }
-    const auto length = static_cast<std::size_t>(length_.constant);
-    if (!moves_)
-        map.cache.Forget(static_cast<std::uint64_t>(address_), length);
-    for (const std::uint64_t address : used_)
+    const std::size_t length = length_;
+    if (!moving_) {
+        if (page_ != nullptr)
+            page_->Forget(address_ % RegisterCache::Page::size, length);
+        else
+            map.cache.Forget(address_, length);
+        return;
+    }
+    for (const std::uint64_t address : moving_->used)
         map.cache.Forget(address, length);
-    used_.clear();
+    moving_->used.clear();
 }
 
 } // namespace Orvi::GenApi

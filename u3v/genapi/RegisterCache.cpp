@@ -1,50 +1,8 @@
 #include "u3v/genapi/RegisterCache.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace Orvi::GenApi {
-
-/// Calls f(index of a word of known_, bits of it) for a range until it answers false.
-template <class F>
-bool RegisterCache::Page::EachWord(std::size_t offset, std::size_t length, F f)
-{
-    while (length > 0) {
-        const std::size_t bit = offset % 64;
-        const std::size_t count = std::min<std::size_t>(64 - bit, length);
-        const std::uint64_t ones = count == 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << count) - 1;
-        if (!f(offset / 64, ones << bit))
-            return false;
-        offset += count;
-        length -= count;
-    }
-    return true;
-}
-
-bool RegisterCache::Page::Read(std::size_t offset, std::span<std::byte> data) const
-{
-    if (!EachWord(offset, data.size(), [&](auto word, auto bits) { return (known_[word] & bits) == bits; }))
-        return false;
-    std::memcpy(data.data(), bytes_.data() + offset, data.size());
-    return true;
-}
-
-void RegisterCache::Page::Store(std::size_t offset, std::span<const std::byte> data)
-{
-    std::memcpy(bytes_.data() + offset, data.data(), data.size());
-    EachWord(offset, data.size(), [&](auto word, auto bits) {
-        known_[word] |= bits;
-        return true;
-    });
-}
-
-void RegisterCache::Page::Forget(std::size_t offset, std::size_t length)
-{
-    EachWord(offset, length, [&](auto word, auto bits) {
-        known_[word] &= ~bits;
-        return true;
-    });
-}
 
 /// Calls f(address, offset in the range, length) for the part of a range in each page.
 template <class F>

@@ -17,23 +17,30 @@ bool IntRegNode::Take(const Property &property)
     switch (property.prop) {
     // clang-format off
     case Prop::Sign: signed_ = property.OneOf<int>(signNames) == 1; return true;
-    case Prop::LSB:  lsb_ = property.Int(); return true;
-    case Prop::MSB:  msb_ = property.Int(); return true;
-    case Prop::Bit:  lsb_ = msb_ = property.Int(); return true;
+    case Prop::LSB:  lsb_ = BitOf(property); return true;
+    case Prop::MSB:  msb_ = BitOf(property); return true;
+    case Prop::Bit:  lsb_ = msb_ = BitOf(property); return true;
     default:         return RegisterKind::Take(property);
         // clang-format on
     }
+}
+
+std::uint8_t IntRegNode::BitOf(const Property &property)
+{
+    const std::int64_t bit = property.Int();
+    return bit >= 0 && bit < outside ? static_cast<std::uint8_t>(bit) : outside;
 }
 
 void IntRegNode::Finish(Loader &loader)
 {
     FinishRegister(loader, 8);
     const auto bits = static_cast<std::int64_t>(8 * ConstantLength());
-    if (lsb_.has_value() != msb_.has_value() || (!lsb_ && KindName() != "IntReg"))
+    const bool hasBits = lsb_ != noBit;
+    if (hasBits != (msb_ != noBit) || (!hasBits && KindName() != "IntReg"))
         FailLoading(loader, *this, "needs Bit or both LSB and MSB");
-    std::int64_t low = lsb_.value_or(0), high = msb_.value_or(bits - 1);
+    std::int64_t low = hasBits ? lsb_ : 0, high = hasBits ? msb_ : bits - 1;
     // Bits of a big-endian register are counted from its most significant one.
-    if (lsb_ && IsBigEndian()) {
+    if (hasBits && IsBigEndian()) {
         low = bits - 1 - low;
         high = bits - 1 - high;
     }
@@ -41,8 +48,8 @@ void IntRegNode::Finish(Loader &loader)
         std::swap(low, high);
     if (low < 0 || high >= bits)
         FailLoading(loader, *this, Say("has bits outside of its ", Text(bits), " bits"));
-    shift_ = static_cast<unsigned>(low);
-    width_ = static_cast<unsigned>(high - low + 1);
+    shift_ = static_cast<std::uint8_t>(low);
+    width_ = static_cast<std::uint8_t>(high - low + 1);
 }
 
 std::uint64_t IntRegNode::Decode(const Bytes &bytes) const

@@ -16,7 +16,7 @@ class RegisterNode {
   public:
     virtual ~RegisterNode() = default;
 
-    std::uint64_t AddressNow(Run &run);
+    std::uint64_t AddressNow(Run &run) { return moving_ ? MovingAddress(run) : address_; }
     std::size_t LengthNow(Run &run);
     void Read(Run &run, std::span<std::byte> data);
     /// @p mask says which bits a verifying write compares; empty means all.
@@ -32,6 +32,7 @@ class RegisterNode {
 
   protected:
     static constexpr std::size_t maxLength = 64u << 20;
+    static constexpr std::uint32_t notGiven = ~0u;
 
     bool TakeRegister(const Property &property);
     /// The length must be given and, when @p limit is not 0, constant and no longer.
@@ -39,8 +40,8 @@ class RegisterNode {
     AccessMode RegisterAccess(Run &run);
     bool CanRead() const { return accessMode_ != AccessMode::WriteOnly; }
     CachingMode RegisterCaching() const { return caching_; }
-    bool IsBigEndian() const;
-    std::size_t ConstantLength() const { return static_cast<std::size_t>(length_.constant); }
+    bool IsBigEndian() const { return bigEndian_; } ///< the port's swapping included, once finished
+    std::size_t ConstantLength() const { return length_; }
 
   private:
     struct Offset {
@@ -49,28 +50,37 @@ class RegisterNode {
         Node *factorNode;
     };
 
-    bool IsRemembered() const;
-    bool IsExpired(const Run &run) const;
+    /// Of a register whose address is not constant.
+    struct Moving {
+        std::vector<Node *> addresses;
+        std::vector<Offset> offsets;
+        std::vector<std::uint64_t> used; ///< addresses that it has been read at
+        std::uint64_t last = 0;
+    };
+    struct Polling {
+        std::chrono::milliseconds time, lastRead{};
+        Node *block;
+    };
+
+    Moving &AddMoving();
+    std::uint64_t MovingAddress(Run &run);
+    bool IsExpired(const Run &run, std::uint64_t address) const;
     void ReadPort(Run &run, std::uint64_t address, std::span<std::byte> data);
     bool HasChanged(MapState &map, std::uint64_t address, std::span<const std::byte> data) const;
     void Remember(MapState &map, std::uint64_t address, std::span<const std::byte> data);
 
-    std::int64_t address_ = 0;
-    std::vector<Node *> addresses_;
-    std::vector<Offset> offsets_;
-    Source<std::int64_t> length_;
+    std::uint64_t address_ = 0;
+    std::unique_ptr<Moving> moving_;
+    std::unique_ptr<Polling> polling_;
+    Node *lengthNode_ = nullptr;
+    std::uint32_t length_ = notGiven;
     PortNode *port_ = nullptr;
+    RegisterCache::Page *page_ = nullptr; ///< where its value is remembered, when that is always one page
     AccessMode accessMode_ = AccessMode::ReadOnly;
     CachingMode caching_ = CachingMode::WriteThrough;
-    bool bigEndian_ = false;
-    bool moves_ = false;       ///< the address is not constant
-    bool isInOnePage_ = false; ///< of the cache, always
-    std::int64_t pollingTime_ = 0;
-    Node *blockPolling_ = nullptr;
-    std::chrono::milliseconds lastRead_{};
-    std::uint64_t lastAddress_ = 0;
-    std::vector<std::uint64_t> used_; ///< addresses that a moving register has been read at
-    RegisterCache::Page *page_ = nullptr;
+    bool bigEndian_ : 1 = false;
+    bool isRemembered_ : 1 = true;
+    bool isInOnePage_ : 1 = false;
 };
 
 /// The common part of the register kinds: @p Base is a NumberNode or Node.
@@ -106,8 +116,11 @@ class IntRegNode final : public RegisterKind<NumberNode<std::int64_t>> {
     Bytes Encode(std::uint64_t raw) const;
 
     bool signed_ = false;
-    std::optional<std::int64_t> lsb_, msb_;
-    unsigned shift_ = 0, width_ = 64;
+    static constexpr std::uint8_t noBit = 0xFF, outside = 64;
+    static std::uint8_t BitOf(const Property &property);
+
+    std::uint8_t lsb_ = noBit, msb_ = noBit;
+    std::uint8_t shift_ = 0, width_ = 64;
 };
 
 class FloatRegNode final : public RegisterKind<NumberNode<double>> {
