@@ -929,6 +929,8 @@ CAM_API_STATUS Evt_FlushWaitQueue(CAM_HANDLE hEvt);
  * - #CAM_API_STS_UNSUCCESSFUL: an enumeration of the camera shows an entry without a value here, or is given a value of
  *   128 or more through registers.
  *
+ * Where nothing is said of streaming, the library does not look at it; a camera may refuse all the same.
+ *
  * A refused value is not written. A function that selects first (a line, an index, a colour) leaves the selection.
  * Handles and outputs are checked before the library asks whether it is initialised.
  * @{

@@ -1,6 +1,8 @@
 #include "vcam/StateFile.h"
 
-#include <cstdio>
+#include "vcam/Complaint.h"
+
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -136,9 +138,9 @@ void Parse(const std::string &text, const std::string &serial, StoredState &stat
     state = std::move(found);
 }
 
-void Complain(const std::string &serial, const std::string &path, const std::string &why, const char *outcome)
+void Tell(const std::string &serial, const std::string &path, const std::string &why, const char *outcome)
 {
-    std::fprintf(stderr, "virtual camera %s: %s: %s; %s\n", serial.c_str(), path.c_str(), why.c_str(), outcome);
+    Complain("virtual camera " + serial + ": " + path + ": " + why + "; " + outcome);
 }
 
 } // namespace
@@ -146,7 +148,12 @@ void Complain(const std::string &serial, const std::string &path, const std::str
 std::string StateFileOf(const std::string &serial)
 {
     const char *folder = std::getenv(s_stateFolderVariable);
-    return folder == nullptr || *folder == '\0' ? "" : std::string(folder) + "/" + serial + ".state";
+    if (folder == nullptr || *folder == '\0') {
+        return "";
+    }
+    std::string name = serial;
+    std::ranges::replace(name, '/', '_');
+    return std::string(folder) + "/" + name + ".state";
 }
 
 void LoadState(const std::string &path, const std::string &serial, StoredState &state)
@@ -163,8 +170,8 @@ void LoadState(const std::string &path, const std::string &serial, StoredState &
         }
         Parse(text, serial, state);
     } catch (const std::exception &failure) {
-        Complain(serial, path, failure.what(),
-                 "the camera starts as from the factory, and the next set that it saves replaces the file");
+        Tell(serial, path, failure.what(),
+             "the camera starts as from the factory, and the next set that it saves replaces the file");
     }
 }
 
@@ -185,7 +192,7 @@ void SaveState(const std::string &path, const std::string &serial, const StoredS
         }
         std::filesystem::rename(temporary, path);
     } catch (const std::exception &failure) {
-        Complain(serial, path, failure.what(), "what the camera stores is kept for the life of this process only");
+        Tell(serial, path, failure.what(), "what the camera stores is kept for the life of this process only");
     }
 }
 

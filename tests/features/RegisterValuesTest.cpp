@@ -73,6 +73,7 @@ TEST(RegisterValuesTest, TablesHaveTheirRowsInOrder)
 
 TEST(RegisterValuesTest, FirstMatchWins)
 {
+    EXPECT_STREQ(FindByValue(g_saVAL_Endian, 0xFFFFFFFF)->pszName, "LittleEndian");
     EXPECT_STREQ(FindByValue(g_saVAL_PixelCoding, 0x40)->pszName, "Deplicated64");
     EXPECT_EQ(FindByName(g_saVAL_PixelCoding, "Deplicated72")->uiValue, 0x40u);
     EXPECT_STREQ(FindByValue(g_saVAL_SIControl, 0)->pszName, "DisableStream");

@@ -36,14 +36,18 @@ TEST_F(ConfigurationLinesTest, LongLinesAreReadInPiecesOf255)
 
 TEST_F(ConfigurationLinesTest, EachPieceIsALineOfItsOwn)
 {
+    const auto configureBehind = [this](std::string padding) {
+        padding += "OrviCamApi,FILE,WARN,PATH=@/log\n";
+        Configure(padding);
+    };
     for (const std::size_t pieces : {1u, 2u}) {
-        Configure(std::string(255 * pieces, 'x') + "OrviCamApi,FILE,WARN,PATH=@/log\n");
+        configureBehind(std::string(255 * pieces, 'x'));
         ExpectWritten({"", File, 2, "@/log"});
     }
-    Configure(std::string(254, 'x') + "OrviCamApi,FILE,WARN,PATH=@/log\n");
+    configureBehind(std::string(254, 'x'));
     ExpectWritten({"", Nothing});
     // A comment covers its own piece only.
-    Configure("//" + std::string(253, 'x') + "OrviCamApi,FILE,WARN,PATH=@/log\n");
+    configureBehind("//" + std::string(253, 'x'));
     ExpectWritten({"", File, 2, "@/log"});
 }
 
@@ -65,7 +69,7 @@ TEST_F(ConfigurationLinesTest, FirstStartCounts)
 TEST_F(ConfigurationLinesTest, LaterLinesDecideWhatBecomesOfTheRing)
 {
     // clang-format off
-    constexpr ConfigurationRow rows[] = {
+    ExpectAll({
         // A FILE line behind a MEMORY line: the ring is never written out.
         {"OrviCamApi,MEMORY,64,WARN,PATH=@/a\nOrviCamApi,FILE,INFO,PATH=@/b\n",      Ring, 2},
         {"OrviCamApi,MEMORY,64,WARN,PATH=@/a\nOrviCamApi,FILE\n",                    Ring, 2},
@@ -79,10 +83,8 @@ TEST_F(ConfigurationLinesTest, LaterLinesDecideWhatBecomesOfTheRing)
         // A MEMORY line that is rejected leaves its mark on a later session's log.
         {"OrviCamApi,MEMORY,16,INFO,PATH=@/a\nOrviCamApi,FILE,INFO,PATH=@/b\n",      File, 1, "@/b"},
         {"OrviCamApi,FILE,INFO,PATH=@/b\nOrviCamApi,MEMORY,16,INFO,PATH=@/a\n",      File, 1, "@/b"},
-    };
+    });
     // clang-format on
-    for (const ConfigurationRow &row : rows)
-        Expect(row);
 }
 
 TEST_F(ConfigurationLinesTest, AnythingAtAllIsSurvived)

@@ -4,6 +4,7 @@
 #include "tests/system/SystemTest.h"
 
 #include <ctime>
+#include <initializer_list>
 
 namespace Orvi::Testing {
 
@@ -42,6 +43,18 @@ class ConfigurationOutcome : public SystemTest {
         Configure(row.text);
         ExpectWritten(row);
         std::filesystem::remove(ConfigurationFile());
+    }
+
+    void ExpectAll(std::initializer_list<ConfigurationRow> rows)
+    {
+        for (const ConfigurationRow &row : rows)
+            Expect(row);
+    }
+
+    void ExpectNothing(std::initializer_list<const char *> texts)
+    {
+        for (const char *text : texts)
+            Expect({text, Started::Nothing});
     }
 
     /// The same with the file as it is.

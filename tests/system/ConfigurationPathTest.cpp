@@ -20,7 +20,7 @@ TEST_F(ConfigurationPathTest, Variables)
     for (const char *folder : {"v", "x", "x/y"})
         EXPECT_FALSE(std::filesystem::exists(Logs() / folder));
     // clang-format off
-    constexpr ConfigurationRow rows[] = {
+    ExpectAll({
         // Behind the quote: as intended.
         {"OrviCamApi,FILE,INFO,PATH=\"${ORVI_T}\"\n",     File, 1, "@/v"},
         {"OrviCamApi,FILE,INFO,PATH=\"${ORVI_T}/\"\r\n",  File, 1, "@/v"},
@@ -46,10 +46,8 @@ TEST_F(ConfigurationPathTest, Variables)
         {"OrviCamApi,FILE,INFO,PATH=\"${}@/log\"",        Nothing},
         // Once only.
         {"OrviCamApi,FILE,INFO,PATH=\"${ORVI_T}${ORVI_T}\"", File, 1, "@/v${ORVI_T}"},
-    };
+    });
     // clang-format on
-    for (const ConfigurationRow &row : rows)
-        Expect(row);
 }
 
 TEST_F(ConfigurationPathTest, SlashesOfAValueAreJoined)

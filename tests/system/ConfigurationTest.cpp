@@ -8,10 +8,11 @@ using ConfigurationTest = ConfigurationOutcome;
 
 using enum Started;
 
+// clang-format off
+
 TEST_F(ConfigurationTest, LogFiles)
 {
-    // clang-format off
-    constexpr ConfigurationRow rows[] = {
+    ExpectAll({
         {"OrviCamApi,FILE,DEBUG,PATH=\"@/log\"",   File, 0, "@/log"},
         {"OrviCamApi,FILE,INFO,PATH=@/log",        File, 1, "@/log"},
         {"OrviCamApi,FILE,WARN,PATH=@/log/",       File, 2, "@/log"},
@@ -24,16 +25,12 @@ TEST_F(ConfigurationTest, LogFiles)
         {"OrviCamApi,FILE,INFOPATH=@/l",           File, 1, "@/l"},
         {"OrviCamApi,FILE,INFO,PATH=\"@/l\"o\"g\"", File, 1, "@/log"},
         {"OrviCamApi,FILE,INFO,PATH=@/a b, c",     File, 1, "@/a b, c"},
-    };
-    // clang-format on
-    for (const ConfigurationRow &row : rows)
-        Expect(row);
+    });
 }
 
 TEST_F(ConfigurationTest, LogsInMemory)
 {
-    // clang-format off
-    constexpr ConfigurationRow rows[] = {
+    ExpectAll({
         {"OrviCamApi,MEMORY,1024,INFO,PATH=@/\n",     Ring, 1, "@"},
         {"OrviCamApi,MEMORY,1024,DEBUG,PATH=\"@/log\"", Ring, 0, "@/log"},
         {"OrviCamApi,MEMORY,32,FATAL,PATH=@",         Ring, 4, "@"},
@@ -42,54 +39,48 @@ TEST_F(ConfigurationTest, LogsInMemory)
         {"OrviCamApi,MEMORY,1024KiB,INFO,PATH=@",     Ring, 1, "@"},
         {"OrviCamApi,MEMORY,+64,INFO,PATH=@",         Ring, 1, "@"},
         {"OrviCamApi,MEMORY,1024,PATH=@/INFO",        Ring, 1, "@/INFO"},
-        {"OrviCamApi,MEMORY,31,INFO,PATH=@",          Nothing},
-        {"OrviCamApi,MEMORY,16,INFO,PATH=@",          Nothing},
-        {"OrviCamApi,MEMORY,0,INFO,PATH=@",           Nothing},
-        {"OrviCamApi,MEMORY,-64,INFO,PATH=@",         Nothing},
-        {"OrviCamApi,MEMORY,0x400,INFO,PATH=@",       Nothing},
-        {"OrviCamApi,MEMORY,lots,INFO,PATH=@",        Nothing},
-        {"OrviCamApi,MEMORY,INFO,PATH=@",             Nothing},
-        {"OrviCamApi,MEMORY,INFO,1024,PATH=@",        Nothing}, // the size must come before the level
-        {"OrviCamApi,MEMORY,4294967296,INFO,PATH=@",  Nothing}, // no room in the size's type
-    };
-    // clang-format on
-    for (const ConfigurationRow &row : rows)
-        Expect(row);
+    });
+    ExpectNothing({
+        "OrviCamApi,MEMORY,31,INFO,PATH=@",
+        "OrviCamApi,MEMORY,16,INFO,PATH=@",
+        "OrviCamApi,MEMORY,0,INFO,PATH=@",
+        "OrviCamApi,MEMORY,-64,INFO,PATH=@",
+        "OrviCamApi,MEMORY,0x400,INFO,PATH=@",
+        "OrviCamApi,MEMORY,lots,INFO,PATH=@",
+        "OrviCamApi,MEMORY,INFO,PATH=@",
+        "OrviCamApi,MEMORY,INFO,1024,PATH=@", // the size must come before the level
+        "OrviCamApi,MEMORY,4294967296,INFO,PATH=@", // no room in the size's type
+    });
 }
 
 TEST_F(ConfigurationTest, IncompleteAndForeignLines)
 {
-    // clang-format off
-    constexpr ConfigurationRow rows[] = {
-        {"",                                         Nothing},
-        {"\n\n\n",                                   Nothing},
-        {"OrviCamApi",                               Nothing},
-        {"OrviCamApi,",                              Nothing},
-        {"OrviCamApi,FILE",                          Nothing},
-        {"OrviCamApi,FILE,INFO",                     Nothing},
-        {"OrviCamApi,FILE,INFO,PATH=",               Nothing},
-        {"OrviCamApi,FILE,INFO,PATH=\"\"\r\n",       Nothing},
-        {"OrviCamApi,FILE,INFO,path=@",              Nothing},
-        {"OrviCamApi,FILE,INFO,PATH @",              Nothing},
-        {"OrviCamApi,FILE,PATH=@/log",               Nothing},
-        {"OrviCamApi,FILE,info,PATH=@/log",          Nothing},
-        {"OrviCamApi,file,INFO,PATH=@/log",          Nothing},
-        {"OrviCamApi,DISK,INFO,PATH=@/log",          Nothing},
-        {"OrviCamApi,FILEINFOPATH=@/log",            Nothing}, // the separator that is counted was the level's
-        {"orvicamapi,FILE,INFO,PATH=@/log",          Nothing},
-        {"FILE,INFO,PATH=@/log",                     Nothing},
-        {"OrviCamApi,FILE,INFO,PATH=@/no/such/log",  Nothing}, // the folder cannot be made
-        {"OrviCamApi,FILE,INFO,PATH=@/GENICAM_CACHE", Nothing}, // taken for a line about the cache
-    };
-    // clang-format on
-    for (const ConfigurationRow &row : rows)
-        Expect(row);
+    ExpectNothing({
+        "",
+        "\n\n\n",
+        "OrviCamApi",
+        "OrviCamApi,",
+        "OrviCamApi,FILE",
+        "OrviCamApi,FILE,INFO",
+        "OrviCamApi,FILE,INFO,PATH=",
+        "OrviCamApi,FILE,INFO,PATH=\"\"\r\n",
+        "OrviCamApi,FILE,INFO,path=@",
+        "OrviCamApi,FILE,INFO,PATH @",
+        "OrviCamApi,FILE,PATH=@/log",
+        "OrviCamApi,FILE,info,PATH=@/log",
+        "OrviCamApi,file,INFO,PATH=@/log",
+        "OrviCamApi,DISK,INFO,PATH=@/log",
+        "OrviCamApi,FILEINFOPATH=@/log", // the separator that is counted was the level's
+        "orvicamapi,FILE,INFO,PATH=@/log",
+        "FILE,INFO,PATH=@/log",
+        "OrviCamApi,FILE,INFO,PATH=@/no/such/log", // the folder cannot be made
+        "OrviCamApi,FILE,INFO,PATH=@/GENICAM_CACHE", // taken for a line about the cache
+    });
 }
 
 TEST_F(ConfigurationTest, CharactersAreCountedFromTheStartOfTheLine)
 {
-    // clang-format off
-    constexpr ConfigurationRow rows[] = {
+    ExpectAll({
         // Eleven characters go, wherever the keyword stands, then five or seven, wherever FILE or MEMORY stands.
         {"xxOrviCamApi,FILE,INFO,PATH=@/log",        File, 1, "@/log"},
         {"OrviCamApi,xxxx,INFO,PATH=@/FILE",         File, 1, "@/FILE"},
@@ -103,32 +94,24 @@ TEST_F(ConfigurationTest, CharactersAreCountedFromTheStartOfTheLine)
         {"OrviCamApi,FILE,INFO,PATH=@/MEMORY",       Nothing}, // MEMORY is looked for first
         {"FILE,INFO,PATH=@/OrviCamApi",              Nothing}, // the type is gone
         {"FILE,FILE,FILE,FILE,INFO,PATH=@/OrviCamApi", File, 1, "@/OrviCamApi"},
-    };
-    // clang-format on
-    for (const ConfigurationRow &row : rows)
-        Expect(row);
+    });
 }
 
 TEST_F(ConfigurationTest, LevelsAreLookedForInTheWholeLine)
 {
-    // clang-format off
-    constexpr ConfigurationRow rows[] = {
+    ExpectAll({
         {"OrviCamApi,FILE,PATH=@/WARNings",    File, 2, "@/WARNings"},
         {"OrviCamApi,FILE,ERROR,PATH=@/DEBUG", File, 0, "@/DEBUG"},
         {"OrviCamApi,FILE,FATAL,ERROR,PATH=@", File, 3, "@"},
         {"OrviCamApi,FILE,WARN,INFO,PATH=@",   File, 1, "@"},
         {"OrviCamApi,FILE,PATH=@/log,INFO",    File, 1, "@/log,INFO"},
         {"OrviCamApi,FILE,INFORMATION,PATH=@", File, 1, "@"},
-    };
-    // clang-format on
-    for (const ConfigurationRow &row : rows)
-        Expect(row);
+    });
 }
 
 TEST_F(ConfigurationTest, CommentsCutTheLineFirst)
 {
-    // clang-format off
-    constexpr ConfigurationRow rows[] = {
+    ExpectAll({
         {"//OrviCamApi,FILE,INFO,PATH=@/log",           Nothing},
         {"OrviCamApi,FILE,INFO,PATH=//@/log",           Nothing},
         {"OrviCamApi,FILE,INFO//,PATH=@/log",           Nothing},
@@ -138,10 +121,9 @@ TEST_F(ConfigurationTest, CommentsCutTheLineFirst)
         {"OrviCamApi,FILE,INFO,PATH=@/log# DEBUG",      File, 0, "@/log# DEBUG"},
         {"OrviCamApi,FILE,INFO,PATH=@/log//DEBUG",      File, 1, "@/log"},
         {"// OrviCamApi,FILE,INFO,PATH=@/a\nOrviCamApi,FILE,WARN,PATH=@/b\n", File, 2, "@/b"},
-    };
-    // clang-format on
-    for (const ConfigurationRow &row : rows)
-        Expect(row);
+    });
 }
+
+// clang-format on
 
 } // namespace Orvi::Testing

@@ -498,6 +498,35 @@ class Settings(OrvicamTest):
         self.assertFalse((self.folder / "b").exists())
 
 
+class StateFolder(OrvicamTest):
+    """What virtual cameras keep from one run to the next."""
+
+    def setUp(self):
+        super().setUp()
+        self.state = {"ORVI_VIRTUAL_CAMERAS_STATE": str(self.folder / "state")}
+
+    def test_user_sets_and_names_outlive_the_program(self):
+        self.succeed("--virtual", 2, "-c", "VC000002", "set", "Gain=3", "Width=640", "UserSetSelector=UserSet1",
+                     "UserSetSave", "UserSetDefault=UserSet1", "UserDefinedName=left", **self.state)
+        self.assertEqual(self.files(), ["state"])
+        self.assertEqual(self.succeed("--virtual", 2, "-c", "left", "get", "Gain", "Width", **self.state).out,
+                         "Gain=3\nWidth=640\n")
+        self.assertEqual(self.succeed("--virtual", 2, "-c", "VC000001", "get", "Width", **self.state).out,
+                         "Width=1920\n")
+        self.assertEqual(self.succeed("--virtual", 2, "-c", "VC000002", "get", "Gain").out, "Gain=0\n")
+        self.succeed("--virtual", 2, "-c", "left", "save", self.folder / "settings", **self.state)
+        lines = (self.folder / "settings").read_text().splitlines()
+        self.assertLessEqual({"Gain=3", "Width=640"}, set(lines))
+
+    def test_a_damaged_file_is_told_and_the_camera_works(self):
+        (self.folder / "state").mkdir()
+        (self.folder / "state" / "VC000001.state").write_text("OrviVirtualCamera 1 VC000001\n")
+        result = orvicam("--virtual", 1, "get", "Width", **self.state)
+        self.assertEqual((result.code, result.out), (0, "Width=1920\n"))
+        self.assertIn("VC000001.state", result.err)
+        self.assertIn("as from the factory", result.err)
+
+
 class Grab(OrvicamTest):
     def test_png_carries_block_id_and_pixel_format(self):
         result = self.grab("--count", 3, "--output", self.folder)

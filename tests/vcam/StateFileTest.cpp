@@ -197,6 +197,7 @@ TEST_F(StateFile, LiesInTheFolderThatTheVariableNames)
     }
     const Testing::ScopedVariable variable(s_stateFolderVariable, "/some/folder");
     EXPECT_EQ(StateFileOf("VC000001"), "/some/folder/VC000001.state");
+    EXPECT_EQ(StateFileOf("../1"), "/some/folder/.._1.state") << "no serial number leads out of it";
 }
 
 } // namespace

@@ -1,45 +1,16 @@
-#include "HostSide.h"
+// Images on their way to the host.
 
-#include <atomic>
+#include "StreamingFixture.h"
 
 namespace Orvi::Vcam::Test {
 namespace {
-
-class Streaming : public testing::Test {
-  protected:
-    void SetUp() override { control_.Write(Reg::Unthrottled, 1); }
-    void Throttle(std::uint32_t milliHertz)
-    {
-        control_.Write(Reg::Unthrottled, 0);
-        control_.Write(Block::ExposureTime + 0x1C, 20);
-        control_.Write(Block::FrameRate + 0x1C, milliHertz);
-    }
-    std::vector<std::byte> Reference(std::uint64_t block)
-    {
-        PictureSettings settings{.sensorWidth = 320, .sensorHeight = 240};
-        settings.width = control_.Read(ImageSizeWord::Width);
-        settings.height = control_.Read(ImageSizeWord::Height);
-        settings.pixelFormat = control_.Read(Reg::PixelFormat);
-        settings.exposure = control_.Read(Block::ExposureTime + 0x1C);
-        std::vector<std::byte> image(settings.ImageBytes());
-        RenderReference(settings, block, image);
-        return image;
-    }
-
-    std::shared_ptr<VirtualCamera> camera_ = MakeCamera();
-    Control control_{*camera_};
-    Stream stream_{*camera_, control_};
-};
 
 TEST_F(Streaming, BlocksCountFromZeroWithEachEnable)
 {
     stream_.Configure(stream_.SimpleCut());
     for (int round = 0; round < 3; ++round) {
-        for (int i = 0; i < 4; ++i) {
-            stream_.Post();
-        }
-        stream_.Enable();
-        stream_.Start();
+        Post(4);
+        Begin();
         std::uint64_t lastTime = 0;
         for (std::uint64_t block = 0; block < 4; ++block) {
             const Frame frame = stream_.Take();
@@ -67,8 +38,7 @@ TEST_P(StreamingCuts, PayloadArrivesWholeHoweverItIsCut)
     stream_.Configure(GetParam().cut);
     stream_.Post();
     stream_.Post();
-    stream_.Enable();
-    stream_.Start();
+    Begin();
     EXPECT_EQ(stream_.Take().image, Reference(0));
     EXPECT_EQ(stream_.Take().image, Reference(1));
 }
@@ -93,11 +63,8 @@ TEST_F(Streaming, SlotsWithoutDataAreSkipped)
     control_.Write(ImageSizeWord::Height, 10); // 1000 bytes: the first slot holds them all
     stream_.Configure({1024, 3, 1024, 0});
     Transfer leader(1024), payload(1024), trailer(1024);
-    for (Transfer *transfer : {&leader, &payload, &trailer}) {
-        camera_->Submit(Endpoint::StreamIn, *transfer);
-    }
-    stream_.Enable();
-    stream_.Start();
+    Submit({&leader, &payload, &trailer});
+    Begin();
     EXPECT_EQ(leader.Wait().received, 52u);
     EXPECT_EQ(payload.Wait().received, 1000u);
     EXPECT_EQ(trailer.Wait().received, 32u);
@@ -108,8 +75,7 @@ TEST_F(Streaming, TransferTooSmallForAPacketBabbles)
     stream_.Configure(stream_.SimpleCut());
     Transfer leader(40), next(1024);
     camera_->Submit(Endpoint::StreamIn, leader);
-    stream_.Enable();
-    stream_.Start();
+    Begin();
     EXPECT_EQ(leader.Wait().status, TransferStatus::Babble);
 }
 
@@ -132,11 +98,8 @@ TEST_F(Streaming, FramesComeAtTheFrameRate)
     Throttle(50000);
     stream_.Configure(stream_.SimpleCut());
     constexpr int count = 6;
-    for (int i = 0; i < count; ++i) {
-        stream_.Post();
-    }
-    stream_.Enable();
-    stream_.Start();
+    Post(count);
+    Begin();
     const std::uint64_t first = stream_.Take().time;
     std::uint64_t last = first;
     for (int i = 1; i < count; ++i) {
@@ -151,11 +114,8 @@ TEST_F(Streaming, ExposureLongerThanThePeriodSlowsTheCameraDown)
     Throttle(1000000);
     control_.Write(Block::ExposureTime + 0x1C, 30000);
     stream_.Configure(stream_.SimpleCut());
-    for (int i = 0; i < 3; ++i) {
-        stream_.Post();
-    }
-    stream_.Enable();
-    stream_.Start();
+    Post(3);
+    Begin();
     const std::uint64_t first = stream_.Take().time;
     stream_.Take();
     EXPECT_GE(stream_.Take().time - first, 2u * 29000000);
@@ -165,12 +125,9 @@ TEST_F(Streaming, SlowHostLosesWholeFramesAndTheCameraCountsThem)
 {
     Throttle(500000);
     stream_.Configure(stream_.SimpleCut());
-    stream_.Enable();
-    stream_.Start();
+    Begin();
     ASSERT_TRUE(Eventually([&] { return camera_->DroppedBlocks() >= 5; }));
-    for (int i = 0; i < 3; ++i) {
-        stream_.Post();
-    }
+    Post(3);
     const Frame first = stream_.Take();
     EXPECT_GE(first.block, 5u);
     EXPECT_EQ(first.image, Reference(first.block));
@@ -193,8 +150,7 @@ TEST_F(Streaming, FrameThatHasBegunIsFinishedHoweverLateTheTransfersCome)
     stream_.Configure({16384, 4, 12288, 0});
     Transfer leader(1024);
     camera_->Submit(Endpoint::StreamIn, leader);
-    stream_.Enable();
-    stream_.Start();
+    Begin();
     const std::uint64_t block = LoadLe<std::uint64_t>(leader.Wait().Data().data() + 8);
     // The sensor goes on meanwhile and loses what it sees.
     ASSERT_TRUE(Eventually([&] { return camera_->DroppedBlocks() >= block + 5; }));
@@ -217,8 +173,7 @@ TEST_F(Streaming, FrameThatHasBegunIsFinishedHoweverLateTheTransfersCome)
 TEST_F(Streaming, UnthrottledCameraWaitsForTransfersAndLosesNothing)
 {
     stream_.Configure(stream_.SimpleCut());
-    stream_.Enable();
-    stream_.Start();
+    Begin();
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
     for (std::uint64_t block = 0; block < 50; ++block) {
         stream_.Post();
@@ -231,11 +186,8 @@ TEST_F(Streaming, MultiFrameTakesAsManyAsTheFrameCount)
 {
     control_.Write(Block::FrameCount + 0x1C, 3);
     stream_.Configure(stream_.SimpleCut());
-    for (int i = 0; i < 5; ++i) {
-        stream_.Post();
-    }
-    stream_.Enable();
-    stream_.Start(9);
+    Post(5);
+    Begin(9);
     for (std::uint64_t block = 0; block < 3; ++block) {
         EXPECT_EQ(stream_.Take().block, block);
     }
@@ -264,103 +216,10 @@ TEST_F(Streaming, ModeRegisterChoosesWhatStartDoes)
     EXPECT_EQ(control_.Read(Reg::AcquisitionActive), 1u);
 }
 
-TEST_F(Streaming, StopFinishesTheFrameUnderWay)
-{
-    stream_.Configure(stream_.SimpleCut());
-    Transfer leader(1024);
-    camera_->Submit(Endpoint::StreamIn, leader);
-    stream_.Enable();
-    stream_.Start();
-    leader.Wait();
-    control_.Write(Block::AcquisitionCommand + 0x1C, 1);
-    EXPECT_EQ(control_.Read(Reg::AcquisitionActive), 1u);
-    Transfer payload(stream_.SimpleCut().size), trailer(1024), none(1024);
-    for (Transfer *transfer : {&payload, &trailer, &none}) {
-        camera_->Submit(Endpoint::StreamIn, *transfer);
-    }
-    EXPECT_EQ(trailer.Wait().received, 32u);
-    EXPECT_TRUE(Eventually([&] { return control_.Read(Reg::AcquisitionActive) == 0; }));
-    EXPECT_FALSE(none.IsDone());
-    EXPECT_TRUE(camera_->Cancel(Endpoint::StreamIn, none));
-}
-
-TEST_F(Streaming, AbortFinishesTheFrameUnderWayAndTakesNoMore)
-{
-    stream_.Configure(stream_.SimpleCut());
-    Transfer leader(1024);
-    camera_->Submit(Endpoint::StreamIn, leader);
-    stream_.Enable();
-    stream_.Start();
-    leader.Wait();
-    control_.Write(Block::AcquisitionCommand + 0x1C, 0);
-    EXPECT_EQ(control_.Read(Reg::AcquisitionActive), 0u);
-    Transfer payload(stream_.SimpleCut().size), trailer(1024), none(1024);
-    for (Transfer *transfer : {&payload, &trailer, &none}) {
-        camera_->Submit(Endpoint::StreamIn, *transfer);
-    }
-    EXPECT_EQ(LoadLe<std::uint64_t>(trailer.Wait().Data().data() + 20), payload.Wait().received);
-    EXPECT_EQ(trailer.received, 32u);
-    EXPECT_FALSE(none.IsDone());
-    EXPECT_TRUE(camera_->Cancel(Endpoint::StreamIn, none));
-}
-
-TEST_F(Streaming, DisablingDropsWhatIsQueuedAndLeavesTransfersPending)
-{
-    stream_.Configure(stream_.SimpleCut());
-    Transfer leader(1024);
-    camera_->Submit(Endpoint::StreamIn, leader);
-    stream_.Enable();
-    stream_.Start();
-    leader.Wait();
-    control_.Write(Reg::SiControl, 0);
-    EXPECT_EQ(control_.Read(Reg::AcquisitionActive), 0u);
-    // The rest of the frame does not come: the next transfer gets the next stream's leader.
-    stream_.Post();
-    stream_.Enable();
-    stream_.Start();
-    EXPECT_EQ(stream_.Take().block, 0u);
-}
-
-TEST_F(Streaming, StreamStartsAndStopsManyTimes)
-{
-    stream_.Configure(stream_.SimpleCut());
-    for (int round = 0; round < 300; ++round) {
-        stream_.Post();
-        stream_.Post();
-        stream_.Enable();
-        stream_.Start();
-        EXPECT_EQ(stream_.Take().block, 0u);
-        if (round % 2 == 0) {
-            control_.Write(Block::AcquisitionCommand + 0x1C, 1);
-        }
-        control_.Write(Reg::SiControl, 0);
-        stream_.CancelAll();
-    }
-}
-
-TEST_F(Streaming, HaltWhileStreamingStallsAndTheClearedEndpointBeginsWithALeader)
-{
-    stream_.Configure({16384, 4, 12288, 0});
-    Transfer leader(1024), payload(16384), stalled(16384);
-    camera_->Submit(Endpoint::StreamIn, leader);
-    camera_->Submit(Endpoint::StreamIn, payload);
-    stream_.Enable();
-    stream_.Start();
-    payload.Wait();
-    camera_->SetHalt(Endpoint::StreamIn);
-    camera_->Submit(Endpoint::StreamIn, stalled);
-    EXPECT_EQ(stalled.Wait().status, TransferStatus::Stalled);
-    camera_->ClearHalt(Endpoint::StreamIn);
-    stream_.Post();
-    EXPECT_EQ(stream_.Take().block, 1u);
-    EXPECT_EQ(camera_->DroppedBlocks(), 1u);
-}
-
 TEST_F(Streaming, SettingsReachTheNextFrame)
 {
     stream_.Configure(stream_.SimpleCut());
-    stream_.Enable();
-    stream_.Start();
+    Begin();
     stream_.Post();
     const auto dim = stream_.Take().image;
     control_.Write(Block::ExposureTime + 0x1C, 20000);
