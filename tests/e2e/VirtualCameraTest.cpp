@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <string_view>
 #include <thread>
+#include <utility>
 
 namespace Orvi::Testing {
 
@@ -22,7 +23,7 @@ VirtualCameraTest::VirtualCameraTest(const char *cameras, uint32_t count)
     EXPECT_EQ(Sys_Initialize(SYS_INIT_U3V), 0u);
     AwaitCameras(count);
     if (IsOverUsb())
-        PowerCycle();
+        Restart();
 }
 
 VirtualCameraTest::~VirtualCameraTest()
@@ -32,20 +33,43 @@ VirtualCameraTest::~VirtualCameraTest()
     EXPECT_EQ(Sys_Terminate(), 0u);
 }
 
-/// Cameras of another process keep what the last test has done to them, until they are plugged in anew.
-void VirtualCameraTest::PowerCycle()
+/// Cameras of another process keep what earlier tests have done to them. The first test plugs them in anew; before the
+/// others they get the factory's settings.
+void VirtualCameraTest::Restart()
 {
+    static bool s_isFresh = false;
+    const bool powerOff = !std::exchange(s_isFresh, true);
     for (uint32_t index = 0; index < 2; ++index) {
         CAM_HANDLE hGone = 0, hCam = 0;
         EXPECT_EQ(Sys_CreateSignal(&hGone), 0u);
-        EXPECT_EQ(Cam_Open(index, &hCam, reinterpret_cast<void *>(hGone), false, nullptr, CAM_ACCESS_MODE_CONTROL), 0u);
-        WriteWord(hCam, Virtual::replugAfter, 1);
-        WriteWord(hCam, Virtual::unplug, 1);
-        EXPECT_EQ(Sys_WaitForSignal(hGone, patience), 0u) << "the camera does not leave";
+        EXPECT_EQ(TryOpen(index, reinterpret_cast<void *>(hGone), false, hCam), 0u);
+        if (powerOff) {
+            WriteWord(hCam, Virtual::replugAfter, 1);
+            WriteWord(hCam, Virtual::unplug, 1);
+            EXPECT_EQ(Sys_WaitForSignal(hGone, patience), 0u) << "the camera does not leave";
+        } else {
+            constexpr uint64_t userSetSelector = 0x230034, userSetLoad = 0x230038, commandDelay = 0x0F00001C;
+            for (const uint64_t setting : {Virtual::replugAfter, Virtual::unthrottled, commandDelay, userSetSelector})
+                WriteWord(hCam, setting, 0);
+            WriteWord(hCam, userSetLoad, 1);
+        }
         EXPECT_EQ(Cam_Close(hCam), 0u);
         EXPECT_EQ(Sys_CloseSignal(hGone), 0u);
     }
     AwaitCameras(2);
+}
+
+CAM_API_STATUS VirtualCameraTest::TryOpen(uint32_t index, void *removalSignal, bool useGenICam, CAM_HANDLE &hCam)
+{
+    for (uint32_t waited = 0;; waited += 50) {
+        const CAM_API_STATUS status =
+            Cam_Open(index, &hCam, removalSignal, useGenICam, nullptr, CAM_ACCESS_MODE_CONTROL);
+        // What was pulled out a moment ago may still be listed by the kernel, instead of what was put in.
+        if (status != CAM_API_STS_CAMERA_NOT_RESPONDING || !IsOverUsb() || waited >= patience)
+            return status;
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        AwaitCameras(2);
+    }
 }
 
 void VirtualCameraTest::AwaitCameras(uint32_t count)
@@ -74,7 +98,7 @@ void VirtualCameraTest::AwaitDrops(CAM_HANDLE hCam, uint32_t more)
 CAM_HANDLE VirtualCameraTest::Open(uint32_t index)
 {
     CAM_HANDLE hCam = 0;
-    EXPECT_EQ(Cam_Open(index, &hCam, nullptr, true, nullptr, CAM_ACCESS_MODE_CONTROL), 0u);
+    EXPECT_EQ(TryOpen(index, nullptr, true, hCam), 0u);
     open_.push_back(hCam);
     SetEnum(hCam, "PixelFormat", "Mono8");
     SetInt(hCam, "Width", smallWidth);

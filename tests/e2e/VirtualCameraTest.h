@@ -27,7 +27,8 @@ class VirtualCameraTest : public ::testing::Test {
     static void AwaitDrops(CAM_HANDLE hCam, uint32_t more);
 
   private:
-    static void PowerCycle();
+    static void Restart();
+    static CAM_API_STATUS TryOpen(uint32_t index, void *removalSignal, bool useGenICam, CAM_HANDLE &hCam);
 
     std::vector<CAM_HANDLE> open_;
 };

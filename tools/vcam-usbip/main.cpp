@@ -132,10 +132,8 @@ int main(int argc, char **argv)
     CLI::App app{"Plugs virtual USB3 Vision cameras into this machine's kernel.", "orvi-vcam-usbip"};
     app.footer(s_footer);
     app.set_version_flag("--version", "orvi-vcam-usbip " ORVI_VERSION);
-    CLI::Option_group &what = *app.add_option_group("What to do");
-    what.add_flag("--attach", options.attach, "plug the cameras into this machine's kernel (root only)");
-    what.add_flag("--serve", options.serve, "offer them to USB/IP clients on 127.0.0.1");
-    what.require_option(1);
+    auto *attach = app.add_flag("--attach", options.attach, "plug the cameras into this machine's kernel (root only)");
+    app.add_flag("--serve", options.serve, "offer them to USB/IP clients on 127.0.0.1")->excludes(attach);
     auto *cameras = app.add_option("--cameras", options.cameras, "how many cameras, 1 to 64 (1)")
                         ->check(CLI::Range(1u, 64u))
                         ->option_text("N");
@@ -146,6 +144,8 @@ int main(int argc, char **argv)
     app.add_option("--port", options.port, "TCP port for --serve, 0 for any (3240)")->option_text("PORT");
     try {
         app.parse(argc, argv);
+        if (!options.attach && !options.serve)
+            throw CLI::RequiredError("--attach or --serve");
     } catch (const CLI::ParseError &error) {
         if (error.get_exit_code() == 0) // --help, --version
             return app.exit(error);
