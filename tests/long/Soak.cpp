@@ -200,7 +200,7 @@ class Round {
         if (info.uiStatus == 0 && info.ullValidPayloadSize == stream_.PayloadSize() && !g_state.faults.shiftsIds) {
             Check(stream_.IsTrue(image), "a picture is not that of its block");
         }
-        if (info.uiStatus == 0 || info.ullBlockId != 0) {
+        if (info.ullDeviceTimestamp != 0) { // the leader has told which block it is
             first_ = std::min(first_, info.ullBlockId);
             last_ = std::max(last_, info.ullBlockId);
             ++seen_;

@@ -82,6 +82,7 @@ Faults DrawFaults(Random &random)
             rule.every = 2 + Below(random, 50);
             break;
         default:
+            rule.from = Below(random, 100);
             rule.probability = static_cast<double>(1 + Below(random, 200)) / 1000;
             break;
         }
