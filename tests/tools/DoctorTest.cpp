@@ -297,11 +297,13 @@ TEST_F(DoctorTest, VariablesAreUnderstood)
         const Findings findings = CheckVariables();
         return std::pair(findings[0].verdict, findings[1].verdict);
     };
-    Put("/bench.toml");
-    const std::string file = machine.At("/bench.toml");
+    Put("/bench.toml", "[[camera]]\nserial = \"A\"\n");
+    Put("/wrong.toml", "[[camera]]\nsirial = \"A\"\n");
+    const std::string wrong = machine.At("/wrong.toml"), file = machine.At("/bench.toml");
     EXPECT_EQ(verdictOf("", ""), std::pair(Verdict::Ok, Verdict::Ok));
     EXPECT_EQ(verdictOf("64", "usb,virtual"), std::pair(Verdict::Ok, Verdict::Ok));
     EXPECT_EQ(verdictOf(file.c_str(), "usb"), std::pair(Verdict::Ok, Verdict::Ok));
+    EXPECT_EQ(verdictOf(wrong.c_str(), ""), std::pair(Verdict::Fail, Verdict::Ok));
     EXPECT_EQ(verdictOf("65", "virtual"), std::pair(Verdict::Fail, Verdict::Warn));
     EXPECT_EQ(verdictOf("-1", ""), std::pair(Verdict::Fail, Verdict::Ok));
     EXPECT_EQ(verdictOf("nowhere.toml", ""), std::pair(Verdict::Fail, Verdict::Ok));

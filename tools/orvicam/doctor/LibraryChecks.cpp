@@ -1,6 +1,7 @@
 #include "Checks.h"
 
 #include "tools/orvicam/Text.h"
+#include "vcam/config/Check.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -19,12 +20,6 @@ std::string Variable(const char *name)
 
 bool IsReadable(const std::string &path) { return access(path.c_str(), R_OK) == 0; }
 
-bool IsFile(const std::string &path)
-{
-    std::error_code error;
-    return std::filesystem::is_regular_file(path, error);
-}
-
 std::string CamerasText(std::size_t count) { return std::to_string(count) + (count == 1 ? " camera" : " cameras"); }
 
 Finding CheckVirtualCameras()
@@ -32,17 +27,17 @@ Finding CheckVirtualCameras()
     const std::string check = "virtual cameras", value = Variable("ORVI_VIRTUAL_CAMERAS");
     if (value.empty())
         return {Verdict::Ok, check, "none asked for (ORVI_VIRTUAL_CAMERAS is unset)"};
+    const std::string setting = "ORVI_VIRTUAL_CAMERAS=" + value;
     if (const auto count = ParseInteger(value)) {
         if (*count >= 0 && *count <= maxVirtualCameras)
-            return {Verdict::Ok, check, "ORVI_VIRTUAL_CAMERAS=" + value};
-    } else if (IsFile(value)) {
-        if (IsReadable(value))
-            return {Verdict::Ok, check, "described in " + value};
-        return {Verdict::Fail, check, "ORVI_VIRTUAL_CAMERAS names " + value + ", which you may not read",
-                "chmod +r '" + value + "'"};
+            return {Verdict::Ok, check, setting};
+        return {Verdict::Fail, check, setting + ": there can be 0 to " + std::to_string(maxVirtualCameras),
+                "export ORVI_VIRTUAL_CAMERAS=1"};
     }
-    return {Verdict::Fail, check, "ORVI_VIRTUAL_CAMERAS=" + value + " is neither a number from 0 to 64 nor a file",
-            "export ORVI_VIRTUAL_CAMERAS=1"};
+    const Vcam::CheckedFile file = Vcam::CheckConfigFile(value);
+    if (file.mistakes.empty())
+        return {Verdict::Ok, check, CamerasText(file.cameras.size()) + " of " + value};
+    return {Verdict::Fail, check, value + ": " + file.mistakes.front().text, "orvicam vcam check '" + value + "'"};
 }
 
 /// The kinds of links that the transport looks for.
