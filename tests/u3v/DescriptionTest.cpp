@@ -1,6 +1,8 @@
 #include "u3v/protocol/Description.h"
 #include "tests/u3v/FakeDevice.h"
 #include "u3v/core/Status.h"
+#include "u3v/genapi/NodeMap.h"
+#include "u3v/protocol/Camera.h"
 #include "u3v/protocol/Sha1.h"
 #include "u3v/protocol/StreamLayout.h"
 #include "u3v/protocol/Zip.h"
@@ -9,10 +11,14 @@
 #include <gtest/gtest.h>
 #include <zlib.h>
 
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <numeric>
+#include <thread>
 #include <unistd.h>
 
 namespace Orvi::Test {
@@ -128,6 +134,25 @@ TEST_F(DescriptionTest, NewestUsableEntryIsTaken)
                  {0x01010000, plain, BytesOf("newest"), {}},
                  {0x08000000, plain | 5U << 10, BytesOf("strange compression"), {}}});
     EXPECT_EQ(Fetch(), "newest");
+}
+
+TEST_F(DescriptionTest, OfASchemaThatIsNotUnderstoodOnlyWhenThereIsNoOther)
+{
+    SetManifest({{0x09000000, 0x02000000, BytesOf("schema 2"), {}}, {0x01000000, plain, BytesOf("schema 1"), {}}});
+    EXPECT_EQ(Fetch(), "schema 1");
+    SetManifest({{0x09000000, 0x02000000, BytesOf("schema 2"), {}}});
+    EXPECT_EQ(Fetch(), "schema 2");
+}
+
+TEST_F(DescriptionTest, TheNextOneIsTakenWhenTheBestIsDamaged)
+{
+    Bytes file = Zip(xml);
+    const auto sha1 = Sha1(file);
+    file[60] ^= std::byte{1};
+    SetManifest({{0x01000000, plain, BytesOf("older"), {}}, {0x02000000, zipped, file, sha1}});
+    EXPECT_EQ(Fetch(), "older");
+    SetManifest({{0x01000000, zipped, file, sha1}, {0x02000000, zipped, file, sha1}});
+    EXPECT_NE(FailureOf([&] { Fetch(); }).find("none of the camera's descriptions"), std::string::npos);
 }
 
 TEST_F(DescriptionTest, ManifestWithoutADescriptionIsAnError)
@@ -246,6 +271,59 @@ TEST_F(DescriptionCacheTest, DamagedFileIsReplaced)
         EXPECT_EQ(std::filesystem::file_size(Path()), file.size());
         EXPECT_LT(BytesOfFetch(), 2048U);
     }
+}
+
+TEST_F(DescriptionCacheTest, AFileOfTheRightSizeButOtherBytesIsReplaced)
+{
+    const std::size_t whole = BytesOfFetch();
+    std::fstream(Path(), std::ios::in | std::ios::out | std::ios::binary).seekp(100).put('\x55').put('\xAA');
+    EXPECT_EQ(BytesOfFetch(), whole);
+    EXPECT_LT(BytesOfFetch(), 2048U);
+}
+
+TEST_F(DescriptionCacheTest, NothingButWholeFilesIsEverInTheFolder)
+{
+    // As another process sees it that opens the same camera.
+    std::atomic<bool> done = false;
+    std::thread reader([&] {
+        const DescriptionCache cache(folder, identity);
+        while (!done)
+            EXPECT_EQ(cache.Find(Sha1(file)).value_or(file), file);
+    });
+    const DescriptionCache cache(folder, identity);
+    for (int i = 0; i < 200; ++i) {
+        cache.Keep(Sha1(file), file);
+        EXPECT_TRUE(cache.Find(Sha1(file)).has_value()) << "a file that is written again is whole all the time";
+    }
+    done = true;
+    reader.join();
+    EXPECT_EQ(FileCount(), 1U) << "no temporary file is left";
+}
+
+TEST_F(DescriptionCacheTest, AnOpenWithAWarmCacheReadsLessThan2KB)
+{
+    std::string comment;
+    for (int i = 0; i < 30; ++i)
+        comment += text;
+    std::ranges::replace(comment, '-', '_');
+    const Bytes stored = BytesOf("<RegisterDescription><Integer Name=\"Width\"><Value>5</Value></Integer><!--" +
+                                 comment + "--></RegisterDescription>");
+    SetManifest({{0x01000000, plain, stored, Sha1(stored)}});
+    setenv("GENICAM_CACHE_V3_0", folder.c_str(), 1);
+    constexpr std::size_t header = 12;
+    const auto bytesOfOpen = [&] {
+        const std::size_t before = device->Commands().size();
+        Camera camera(std::make_unique<LoopbackLink>(device), Camera::Options());
+        EXPECT_EQ(camera.Nodes().GetInt(*camera.Nodes().Find("Width")), 5);
+        const std::vector<Command> commands = device->Commands();
+        std::size_t bytes = 0;
+        for (std::size_t i = before; i < commands.size(); ++i)
+            bytes += header + commands[i].count;
+        return bytes;
+    };
+    EXPECT_GT(bytesOfOpen(), stored.size());
+    EXPECT_LT(bytesOfOpen(), 2048U);
+    unsetenv("GENICAM_CACHE_V3_0");
 }
 
 TEST_F(DescriptionCacheTest, OtherVersionOrOtherBytesAreFetched)

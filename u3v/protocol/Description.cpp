@@ -1,5 +1,6 @@
 #include "u3v/protocol/Description.h"
 
+#include "u3v/core/Log.h"
 #include "u3v/core/Status.h"
 #include "u3v/protocol/BootstrapMap.h"
 #include "u3v/protocol/Sha1.h"
@@ -8,6 +9,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <functional>
 #include <iterator>
 
 namespace Orvi::U3v {
@@ -51,16 +53,18 @@ std::vector<ManifestEntry> ReadManifest(GenCp &control, std::uint64_t manifestAd
     return entries;
 }
 
-const ManifestEntry &BestEntry(const std::vector<ManifestEntry> &entries)
+std::vector<ManifestEntry> UsableEntries(const std::vector<ManifestEntry> &entries)
 {
-    const ManifestEntry *best = nullptr;
-    for (const ManifestEntry &entry : entries)
-        if (entry.IsDeviceDescription() && entry.HasKnownCompression() && entry.size != 0 &&
-            (best == nullptr || entry.fileVersion > best->fileVersion))
-            best = &entry;
-    if (best == nullptr)
+    std::vector<ManifestEntry> usable;
+    std::ranges::copy_if(entries, std::back_inserter(usable), [](const ManifestEntry &entry) {
+        return entry.IsDeviceDescription() && entry.HasKnownCompression() && entry.size != 0;
+    });
+    if (usable.empty())
         throw StatusError(CAM_API_STS_XML_LOAD_ERR, "the camera's manifest names no usable description");
-    return *best;
+    std::ranges::stable_sort(usable, std::greater(), [](const ManifestEntry &entry) {
+        return std::pair(entry.HasKnownSchema(), entry.fileVersion);
+    });
+    return usable;
 }
 
 std::string UnpackDescription(const ManifestEntry &entry, std::span<const std::byte> stored)
@@ -72,10 +76,8 @@ std::string UnpackDescription(const ManifestEntry &entry, std::span<const std::b
     return WithoutPadding(std::string(reinterpret_cast<const char *>(stored.data()), stored.size()));
 }
 
-std::string FetchDescription(GenCp &control, std::uint64_t manifestAddress, const DescriptionCache &cache)
+static std::string FetchEntry(GenCp &control, const ManifestEntry &entry, const DescriptionCache &cache)
 {
-    const std::vector<ManifestEntry> entries = ReadManifest(control, manifestAddress);
-    const ManifestEntry &entry = BestEntry(entries);
     if (entry.HasSha1())
         if (const auto stored = cache.Find(entry.sha1))
             return UnpackDescription(entry, *stored);
@@ -88,6 +90,21 @@ std::string FetchDescription(GenCp &control, std::uint64_t manifestAddress, cons
     if (entry.HasSha1())
         cache.Keep(entry.sha1, stored);
     return xml;
+}
+
+std::string FetchDescription(GenCp &control, std::uint64_t manifestAddress, const DescriptionCache &cache)
+{
+    const std::vector<ManifestEntry> entries = UsableEntries(ReadManifest(control, manifestAddress));
+    for (const ManifestEntry &entry : entries) {
+        try {
+            return FetchEntry(control, entry, cache);
+        } catch (const StatusError &error) {
+            if (error.Status() != CAM_API_STS_XML_LOAD_ERR || entries.size() == 1)
+                throw;
+            LogDevice(CAM_LOG_LEVEL_WARN, "%s: trying the next description of the manifest", error.what());
+        }
+    }
+    throw StatusError(CAM_API_STS_XML_LOAD_ERR, "none of the camera's descriptions can be used");
 }
 
 std::string ReadDescriptionFile(const std::string &path)

@@ -21,18 +21,21 @@ struct ManifestEntry {
     bool HasSha1() const { return sha1 != decltype(sha1){}; }
     bool IsDeviceDescription() const { return (schema & 0x7) == 0; }
     bool IsZipped() const { return (schema >> 10 & 0x3F) == 1; }
+    bool HasKnownSchema() const { return schema >> 24 <= 1; }
     bool HasKnownCompression() const { return (schema >> 10 & 0x3F) <= 1; }
 };
 
 std::vector<ManifestEntry> ReadManifest(GenCp &control, std::uint64_t manifestAddress);
 
-/// The newest description that can be unpacked. Throws StatusError(0x101) when there is none.
-const ManifestEntry &BestEntry(const std::vector<ManifestEntry> &entries);
+/// The descriptions that can be unpacked, the best first: of a schema that is understood, then the newest. Throws
+/// StatusError(0x101) when there is none.
+std::vector<ManifestEntry> UsableEntries(const std::vector<ManifestEntry> &entries);
+inline ManifestEntry BestEntry(const std::vector<ManifestEntry> &entries) { return UsableEntries(entries).front(); }
 
 /// The stored bytes as XML text: checked, unpacked, without padding. Throws StatusError(0x101).
 std::string UnpackDescription(const ManifestEntry &entry, std::span<const std::byte> stored);
 
-/// All of the above; what the cache has is not fetched.
+/// All of the above; what the cache has is not fetched, and where a description is damaged the next one is tried.
 std::string FetchDescription(GenCp &control, std::uint64_t manifestAddress, const DescriptionCache &cache);
 
 /// A description in a file of the user's, zipped or not. Throws StatusError(0x101).
