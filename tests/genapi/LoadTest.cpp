@@ -240,6 +240,48 @@ TEST(Load, TakesPaddingByteOrderMarkAndWindowsLines)
     EXPECT_EQ(map->GetInt(*map->Find("A")), 1);
 }
 
+TEST(Load, TakesTheUsualEncodings)
+{
+    const std::string utf8 = "\u00B0C \u20AC \U0001F4F7", latin1 = "\xB0"
+                                                                   "C";
+    const auto unitOf = [](std::string_view xml) {
+        MemoryPort port;
+        const auto map = NodeMap::Load(xml, port);
+        return std::string(map->Unit(*map->Find("A")));
+    };
+    const auto described = [](const std::string &unit) {
+        return Describe(Int("A", "<Value>1</Value><Unit>" + unit + "</Unit>"));
+    };
+    EXPECT_EQ(unitOf(described(utf8)), utf8);
+    EXPECT_EQ(unitOf(described(latin1)), "\u00B0C") << "a stray byte in what calls itself UTF-8";
+    std::string declared = described(latin1 + "\xC3\xA4");
+    declared.replace(declared.find("utf-8"), 5, "ISO-8859-1");
+    EXPECT_EQ(unitOf(declared), "\u00B0C\u00C3\u00A4");
+
+    for (const bool bigEndian : {false, true})
+        for (const bool mark : {false, true}) {
+            std::u16string wide = mark ? u"\uFEFF" : u"";
+            const std::string ascii = described("@");
+            for (const char c : ascii.substr(0, ascii.find('@')))
+                wide += static_cast<char16_t>(c);
+            wide += u"\u00B0C \u20AC \U0001F4F7";
+            for (const char c : ascii.substr(ascii.find('@') + 1))
+                wide += static_cast<char16_t>(c);
+            std::string bytes;
+            for (const char16_t unit : wide + std::u16string(5, u'\0')) {
+                const char low = static_cast<char>(unit & 0xFF), high = static_cast<char>(unit >> 8);
+                bytes += bigEndian ? high : low;
+                bytes += bigEndian ? low : high;
+            }
+            EXPECT_EQ(unitOf(bytes), utf8);
+        }
+    MemoryPort port;
+    const std::string broken =
+        "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<!-- \xB0\xB0\xB0\n -->\n<RegisterDescription>\n" +
+        Int("A", "<Value>x</Value>") + "</RegisterDescription>";
+    EXPECT_THAT(ErrorOf([&] { NodeMap::Load(broken, port); }), StartsWith("[A] line 5: "));
+}
+
 TEST(Load, ReadsNumbersAsTheyAreWritten)
 {
     TestMap map(Int("Hex", "<Value> 0x7fFF </Value>") + Int("Neg", "<Value>-9223372036854775808</Value>") +

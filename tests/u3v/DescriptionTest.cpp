@@ -291,7 +291,7 @@ TEST_F(DescriptionCacheTest, NothingButWholeFilesIsEverInTheFolder)
             EXPECT_EQ(cache.Find(Sha1(file)).value_or(file), file);
     });
     const DescriptionCache cache(folder, identity);
-    for (int i = 0; i < 200; ++i) {
+    for (int i = 0; i < 30; ++i) {
         cache.Keep(Sha1(file), file);
         EXPECT_TRUE(cache.Find(Sha1(file)).has_value()) << "a file that is written again is whole all the time";
     }

@@ -1,5 +1,6 @@
 #include "u3v/genapi/Loader.h"
 
+#include "u3v/genapi/Encoding.h"
 #include "u3v/genapi/Enumeration.h"
 #include "u3v/genapi/Properties.h"
 #include "u3v/genapi/Say.h"
@@ -46,10 +47,18 @@ constexpr bool HasNumber(NodeType type)
 
 void Loader::Load()
 {
+    const auto checkSize = [&] {
+        if (xml_.size() > maxText)
+            throw Error(Say("[description] is too large, ", std::to_string(xml_.size()), " bytes"));
+    };
+    checkSize();
+    if (auto converted = ToUtf8(xml_)) {
+        converted_ = std::move(*converted);
+        xml_ = converted_;
+    }
     // Descriptions come padded to the size of a register block.
     xml_ = xml_.substr(0, xml_.find_last_not_of('\0') + 1);
-    if (xml_.size() > maxText)
-        throw Error(Say("[description] is too large, ", std::to_string(xml_.size()), " bytes"));
+    checkSize();
     text_ = xml_;
     pugi::xml_document document;
     const pugi::xml_parse_result parsed =

@@ -69,6 +69,7 @@ class Loader {
     [[noreturn]] void Fail(pugi::xml_node element, const std::string &text) const;
 
     std::string_view xml_;
+    std::string converted_;
     std::string text_; ///< the same, taken apart in place
     NodeTable &table_;
     MapState &state_;
