@@ -182,7 +182,10 @@ class Device final : public VirtualCamera, private GenCpMemory {
     bool IsFrameDue(Lock &lock);
     bool IsStreamEnabled() const { return (registers_.Word(Reg::SiControl) & 1) != 0; }
     bool HasFramesLeft() const { return !acquisition_.isLimited || acquisition_.framesLeft != 0; }
-    bool IsRun(std::uint64_t run) const { return acquisition_.isActive && acquisition_.run == run && !isQuitting_; }
+    bool IsRun(std::uint64_t run) const
+    {
+        return acquisition_.isActive && acquisition_.run == run && !isQuitting_ && !isUnplugRequested_;
+    }
     void BeginFrame(Shot &shot);
     void TakeFrame(Lock &lock);
     bool Expose(Lock &lock, PictureSettings &settings);

@@ -188,6 +188,23 @@ TEST_F(FaultPlugTest, UnpluggedInTheMiddleOfACommand)
     ExpectStreamsAgain();
 }
 
+TEST_F(FaultPlugTest, UnpluggedInTheMiddleOfALongExposure)
+{
+    constexpr double longer = 10e6; // us
+    WriteWord(hCam, Virtual::unthrottled, 0);
+    SetFloat(hCam, "ExposureTime", longer);
+    const auto begun = std::chrono::steady_clock::now();
+    {
+        RequestChannel channel(hCam, 1);
+        channel.EnqueueAll();
+        channel.Start();
+        Arm({.moment = FaultMoment::Time, .at = 30, .action = FaultAction::Unplug, .amount = soon});
+        EXPECT_EQ(channel.Next().info.uiStatus, CAM_API_STS_FLUSHED_BY_CAMERA_REMOVE);
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::microseconds(static_cast<int64_t>(longer)));
+    ExpectStreamsAgain();
+}
+
 TEST_F(FaultPlugTest, UnpluggedWhileItIsOpened)
 {
     constexpr uint64_t manifest = 0x40000;
