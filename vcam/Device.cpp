@@ -75,6 +75,9 @@ Device::Device(const CameraConfig &config)
     }
     if (front_) {
         front_->PowerUp();
+        for (const auto &[kind, id] : front_->EventIds()) {
+            events_.SetId(kind, id);
+        }
     }
     sensor_ = std::thread([this] { RunSensor(); });
 }

@@ -38,7 +38,9 @@ std::vector<std::byte> EventQueue::TakePacket(bool severalInPacket)
     writer.Put(static_cast<std::uint16_t>(count * s_entrySize)).Put(requestId_++);
     for (std::size_t i = 0; i < count; ++i) {
         writer.Put(static_cast<std::uint16_t>(severalInPacket ? s_entrySize : 0));
-        writer.Put(EventId(events_.front().kind)).Put(events_.front().time).Put(events_.front().block);
+        const Event &event = events_.front();
+        const auto id = ids_.find(event.kind);
+        writer.Put(id == ids_.end() ? EventId(event.kind) : id->second).Put(event.time).Put(event.block);
         events_.pop_front();
     }
     return packet;
@@ -56,6 +58,12 @@ void EventQueue::Reset()
     events_.clear();
     lost_ = 0;
     requestId_ = 0;
+}
+
+void EventQueue::SetId(EventKind kind, std::uint16_t id)
+{
+    const std::lock_guard lock(mutex_);
+    ids_[kind] = id;
 }
 
 std::uint32_t EventQueue::Lost() const

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <map>
 #include <mutex>
 #include <string_view>
 #include <vector>
@@ -48,9 +49,12 @@ class EventQueue {
     /// As after power-up: no events, nothing lost.
     void Reset();
     std::uint32_t Lost() const;
+    /// Another id for a kind of event; it stays.
+    void SetId(EventKind kind, std::uint16_t id);
 
   private:
     mutable std::mutex mutex_;
+    std::map<EventKind, std::uint16_t> ids_; // that are not EventId()'s
     std::deque<Event> events_;
     std::uint32_t lost_ = 0;
     std::uint16_t requestId_ = 0;

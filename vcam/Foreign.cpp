@@ -1,5 +1,6 @@
 #include "vcam/Foreign.h"
 
+#include "vcam/ForeignFeatureTable.h"
 #include "vcam/Registers.h"
 #include "vcam/Wire.h"
 
@@ -193,6 +194,18 @@ void ForeignCamera::PowerUp()
         nodes_.SetSymbol("UserSetDefault", defaultUserSet_);
         LoadUserSet(defaultUserSet_);
     }
+}
+
+std::map<EventKind, std::uint16_t> ForeignCamera::EventIds() const
+{
+    std::map<EventKind, std::uint16_t> ids;
+    for (std::size_t kind = 0; kind < std::size(s_eventNames); ++kind) {
+        const auto id = xml_.eventIds.find(std::string("Event") + s_eventNames[kind]);
+        if (id != xml_.eventIds.end()) {
+            ids[static_cast<EventKind>(kind)] = id->second;
+        }
+    }
+    return ids;
 }
 
 GenCpStatus ForeignCamera::Read(std::uint64_t address, std::span<std::byte> to)

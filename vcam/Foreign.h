@@ -18,6 +18,7 @@ class ForeignCamera final : public Front {
     GenCpStatus Write(std::uint64_t address, std::span<const std::byte> from) override;
     std::string_view Xml() const override { return config_.xml; }
     void PowerUp() override;
+    std::map<EventKind, std::uint16_t> EventIds() const override;
 
   private:
     /// The same address space for the device's own nodes: without rights, and without effects.

@@ -1,8 +1,13 @@
 #pragma once
-// The standard features that the engine has registers for.
+// The standard features that the engine has registers for, and how their values become the registers'.
 
 #include "vcam/ControlBlocks.h"
+#include "vcam/PixelFormats.h"
 #include "vcam/Registers.h"
+
+#include <optional>
+#include <span>
+#include <string_view>
 
 namespace Orvi::Vcam {
 
@@ -87,10 +92,23 @@ inline constexpr ForeignCommand s_foreignCommands[] = {
     {"TestEventGenerate", Reg::EiTestControl,                 1},
 };
 
+/// In the order of EventKind.
 inline constexpr const char *s_eventNames[] = {
     "ExposureStart", "ExposureEnd", "FrameStart", "FrameEnd", "AcquisitionStart", "AcquisitionEnd", "Line0RisingEdge",
     "Test", "FrameLost",
 };
 // clang-format on
+
+class ForeignNodes;
+
+/// The engine's format behind a symbol or a PFNC code; null for one that it does not paint.
+const PixelFormat *FormatOf(std::string_view symbol, std::optional<std::int64_t> code);
+
+/// The name that the description has for the number.
+const char *NodeOf(const ForeignNodes &nodes, const ForeignNumber &row);
+/// Raw values of the register for one unit of the node.
+double FactorOf(const ForeignNodes &nodes, const ForeignNumber &row, const char *node);
+/// Whole numbers of unknown meaning, as many gains are: their range is the engine's.
+bool IsRaw(const ForeignNodes &nodes, const ForeignNumber &row, const char *node);
 
 } // namespace Orvi::Vcam

@@ -1,6 +1,8 @@
 #pragma once
 // What the standard features of a foreign description do: they set the engine's registers as the features of the
 // camera's own description would, and show what the engine makes of it.
+// Sources: ForeignFeatures.cpp, ForeignSelected.cpp (behind selectors), ForeignDefaults.cpp (results and initial
+// values).
 
 #include "vcam/ForeignNodes.h"
 #include "vcam/ForeignXml.h"

@@ -3,6 +3,7 @@
 #include <pugixml.hpp>
 
 #include <algorithm>
+#include <cstdlib>
 #include <map>
 #include <set>
 #include <sstream>
@@ -37,6 +38,11 @@ Rights RightsOf(const pugi::xml_node &node)
     return mode == "RW" ? Rights::ReadWrite : mode == "WO" ? Rights::Write : Rights::Read;
 }
 
+bool IsMoving(const pugi::xml_node &node)
+{
+    return std::ranges::any_of(s_movers, [&node](const char *mover) { return !Find(node, mover).empty(); });
+}
+
 class Reader {
   public:
     explicit Reader(std::string_view text)
@@ -63,10 +69,11 @@ class Reader {
         xml.model = root_.attribute("ModelName").value();
         for (const auto &[name, node] : nodes_) {
             const std::string_view kind = node.name();
+            if (const pugi::xml_node id = node.child("EventID")) {
+                xml.eventIds[name] = static_cast<std::uint16_t>(std::strtoul(id.child_value(), nullptr, 16));
+            }
             if (IsRegister(node) && !otherPorts_.contains(Find(node, "pPort").child_value())) {
-                const bool isMoving =
-                    std::ranges::any_of(s_movers, [&](auto mover) { return bool(Find(node, mover)); });
-                xml.registers.push_back({name, RightsOf(node), isMoving});
+                xml.registers.push_back({name, RightsOf(node), IsMoving(node)});
             } else if (kind == "Command") {
                 xml.commands.push_back({name, RegisterOf(node)});
             } else if (node.child("pMin") || node.child("pMax") || node.child("pInc")) {

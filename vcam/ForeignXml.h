@@ -4,6 +4,7 @@
 
 #include "vcam/RegisterSpace.h"
 
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,6 +32,7 @@ struct ForeignXml {
     std::vector<Register> registers;
     std::vector<Command> commands;
     std::vector<Limits> limits;
+    std::map<std::string, std::uint16_t, std::less<>> eventIds; ///< by the node that has one
 };
 
 /// Throws std::runtime_error for what is no GenICam description.

@@ -2,6 +2,7 @@
 // What a host sees of a camera's memory when it is not the camera's own map of registers: a front stands between the
 // control protocol and the engine, which keeps the map.
 
+#include "vcam/EventQueue.h"
 #include "vcam/GenCpServer.h"
 #include "vcam/VirtualCamera.h"
 
@@ -17,6 +18,8 @@ class Front : public GenCpMemory {
     virtual std::string_view Xml() const = 0;
     /// Called after the engine's own power-up, without its lock.
     virtual void PowerUp() = 0;
+    /// Event ids that the description has for kinds of events.
+    virtual std::map<EventKind, std::uint16_t> EventIds() const { return {}; }
 };
 
 /// The front that the configuration asks for, or null: then the host sees the engine itself. Throws

@@ -2,6 +2,7 @@
 
 #include "vcam/Registers.h"
 
+#include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
@@ -36,8 +37,7 @@ std::string MoveBlocks(std::string xml)
         const std::uint64_t address = std::strtoull(xml.substr(at, length).c_str(), nullptr, 16);
         if (IsBlock(address, Reg::Control)) {
             char moved[17];
-            std::snprintf(moved, sizeof moved, "%llX",
-                          static_cast<unsigned long long>(address - Reg::Control + s_hidden));
+            std::snprintf(moved, sizeof moved, "%" PRIX64, address - Reg::Control + s_hidden);
             xml.replace(at, length, moved);
         }
     }

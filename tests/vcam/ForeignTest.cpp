@@ -391,6 +391,19 @@ TEST(ForeignCamera, BalanceAndEventsBehindSelectorsAct)
     EXPECT_EQ(camera.camera->PeekRegister(Reg::EventNotification), 0u);
 }
 
+TEST(ForeignCamera, EventsCarryTheDescriptionsIds)
+{
+    Foreign camera("selectors");
+    camera.SetEnum("EventSelector", "Line0RisingEdge");
+    camera.SetEnum("EventNotification", "On");
+    const std::uint64_t eirm = camera.control.ReadLong(camera.control.ReadLong(Reg::SbrmAddress) + 0x2C);
+    camera.control.Write(eirm, 1);
+    Transfer event;
+    camera.camera->Submit(Endpoint::EventIn, event);
+    camera.camera->PokeRegister(Reg::LineLevels, 1);
+    EXPECT_EQ(LoadLe<std::uint16_t>(event.Wait().Data().data() + 14), 0xD001);
+}
+
 TEST(ForeignCamera, UserSetsKeepAllRegisters)
 {
     Foreign camera("selectors");

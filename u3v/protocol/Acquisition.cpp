@@ -2,6 +2,8 @@
 
 #include "u3v/genapi/NodeMap.h"
 
+#include <string_view>
+
 namespace Orvi::U3v {
 namespace {
 
@@ -34,17 +36,32 @@ void SetParametersLocked(GenApi::NodeMap &nodes, bool locked)
         nodes.SetInt(*id, locked);
 }
 
+// A camera with one mode may not let it be written.
+void SetMode(GenApi::NodeMap &nodes, std::string_view mode)
+{
+    const GenApi::NodeId id = Find(nodes, "AcquisitionMode");
+    if (!IsReadable(nodes.Access(id)) || nodes.GetEnumText(id) != mode)
+        nodes.SetEnumText(id, mode);
+}
+
+void StartByNodes(GenApi::NodeMap &nodes, std::uint32_t mode)
+{
+    SetMode(nodes, mode == CAM_ACQ_MODE_MULTI_FRAME ? "MultiFrame" : "Continuous");
+    SetParametersLocked(nodes, true);
+    try {
+        nodes.Execute(Find(nodes, "AcquisitionStart"));
+    } catch (...) {
+        SetParametersLocked(nodes, false);
+        throw;
+    }
+}
+
 } // namespace
 
 void StartAcquisition(Camera &camera, std::uint32_t mode)
 {
-    if (!WriteCommand(camera, mode)) {
-        GenApi::NodeMap &nodes = camera.Nodes();
-        nodes.SetEnumText(Find(nodes, "AcquisitionMode"),
-                          mode == CAM_ACQ_MODE_MULTI_FRAME ? "MultiFrame" : "Continuous");
-        SetParametersLocked(nodes, true);
-        nodes.Execute(Find(nodes, "AcquisitionStart"));
-    }
+    if (!WriteCommand(camera, mode))
+        StartByNodes(camera.Nodes(), mode);
     camera.ForgetCached();
 }
 

@@ -1,0 +1,37 @@
+#include "vcam/ForeignFeatureTable.h"
+
+#include "vcam/ForeignNodes.h"
+
+namespace Orvi::Vcam {
+
+const PixelFormat *FormatOf(std::string_view symbol, std::optional<std::int64_t> code)
+{
+    constexpr std::pair<std::string_view, std::string_view> others[] = {{"RGB8Packed", "RGB8"},
+                                                                        {"BGR8Packed", "BGR8"},
+                                                                        {"YUV411Packed", "YUV411_8_UYYVYY"},
+                                                                        {"YUV422Packed", "YUV422_8_UYVY"}};
+    for (const auto &[other, name] : others) {
+        symbol = symbol == other ? name : symbol;
+    }
+    const PixelFormat *format = FindPixelFormat(symbol);
+    return format != nullptr || !code ? format : FindPixelFormat(static_cast<std::uint32_t>(*code));
+}
+
+const char *NodeOf(const ForeignNodes &nodes, const ForeignNumber &row)
+{
+    return nodes.Has(row.node) || row.otherNode == nullptr || !nodes.Has(row.otherNode) ? row.node : row.otherNode;
+}
+
+double FactorOf(const ForeignNodes &nodes, const ForeignNumber &row, const char *node)
+{
+    const std::string_view unit = nodes.Unit(node);
+    const double toMicroseconds = unit == "s" ? 1e6 : unit == "ms" ? 1e3 : unit == "ns" ? 1e-3 : 1;
+    return row.factor * (row.isTime ? toMicroseconds : 1);
+}
+
+bool IsRaw(const ForeignNodes &nodes, const ForeignNumber &row, const char *node)
+{
+    return row.block == Block::Gain && !nodes.IsFloat(node);
+}
+
+} // namespace Orvi::Vcam
