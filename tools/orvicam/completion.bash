@@ -48,6 +48,8 @@ _orvicam() {
         candidates=$(_orvicam_values "${COMP_WORDS[at]}")
     elif [ "$before" = -c ] || [ "$before" = --camera ]; then
         candidates=$(_orvicam_ask list --json | sed -n 's/.*"serial": "\(.*\)".*/\1/p')
+    elif [ "$before" = --virtual ]; then
+        compopt -o default 2>/dev/null
     elif [ "$before" = --format ] || [ "$before" = -f ]; then
         candidates='png pgm ppm raw'
     elif [[ $word == -* ]]; then
@@ -61,6 +63,13 @@ _orvicam() {
             if [ "$verb" = set ] || [ "$before" = --set ] || [ "$before" = -s ]; then
                 candidates=$(_orvicam_features --writable | sed 's/$/=/')
                 compopt -o nospace 2>/dev/null
+            fi
+            ;;
+        vcam)
+            if [[ " ${COMP_WORDS[*]:0:COMP_CWORD} " == *' check '* ]]; then
+                compopt -o default 2>/dev/null
+            else
+                candidates=$(_orvicam_help Subcommands vcam)
             fi
             ;;
         save | load) compopt -o default 2>/dev/null ;;

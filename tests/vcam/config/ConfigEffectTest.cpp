@@ -154,6 +154,14 @@ TEST(ConfigEffect, LinkSpeedIsInTheDescriptorsAndTheRegisterMayTellAnother)
     }
 }
 
+TEST(ConfigEffect, WithoutControlRegistersNoBlockAnswers)
+{
+    const auto with = CameraOf(""), without = CameraOf("control_registers = false");
+    std::array<std::byte, 4> word{};
+    EXPECT_EQ(Control(*with).ReadMemory(ImageSizeWord::SensorWidth, word), Success);
+    EXPECT_NE(Control(*without).ReadMemory(ImageSizeWord::SensorWidth, word), Success);
+}
+
 TEST(ConfigEffect, SameSeedSameImages)
 {
     const auto imagesOf = [](const std::string &keys) {
