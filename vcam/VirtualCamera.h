@@ -68,8 +68,8 @@ class VirtualCamera : public UsbFunction {
     virtual std::uint64_t DroppedBlocks() const = 0;
 };
 
-/// The virtual cameras of this process, made once from ORVI_VIRTUAL_CAMERAS (a number) and then kept: their state
-/// survives closing, so that a test or a tool can find the camera behind a serial number again and unplug it.
+/// The virtual cameras of this process, made from ORVI_VIRTUAL_CAMERAS (a number or a description file) and kept: their
+/// state survives closing, so that a test or a tool can find the camera behind a serial number again and unplug it.
 class VirtualBench {
   public:
     static VirtualBench &Instance();

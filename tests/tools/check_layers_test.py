@@ -47,9 +47,9 @@ class CheckLayers(unittest.TestCase):
         self.assertIn("node must not include camera", check(self.root).stdout)
 
     def test_the_virtual_camera_knows_nothing_of_the_transport(self):
-        self.write("u3v/core/Status.h")
-        self.write("vcam/Camera.cpp", '#include "u3v/core/Status.h"\n')
-        self.assertIn("vcam must not include u3v core", check(self.root).stdout)
+        self.write("u3v/protocol/Camera.h")
+        self.write("vcam/Camera.cpp", '#include "u3v/protocol/Camera.h"\n')
+        self.assertIn("vcam must not include u3v protocol", check(self.root).stdout)
 
     def test_the_transport_sees_only_two_headers_of_the_virtual_camera(self):
         self.write("vcam/UsbFunction.h")
