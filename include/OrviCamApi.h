@@ -256,7 +256,7 @@ typedef struct CAM_INFO {
     char szUserDefinedName[64];  /**< The name that users gave the camera, or empty. */
     char szFamilyName[64];       /**< Product family, or empty. */
     char szDeviceVersion[64];    /**< Version of the device. */
-    char szManufacturerInfo[64]; /**< The maker's remarks. */
+    char szManufacturerInfo[64]; /**< The maker's remarks; or "cannot be opened: " and why. */
     uint8_t ucReserved0[8];      /**< Zero. */
     uint32_t uiLinkSpeed;        /**< Current USB speed: 1 low, 2 full, 4 high, 8 super, 16 super+. */
     uint8_t ucReserved1[1580];   /**< Zero. */
@@ -446,6 +446,11 @@ CAM_API_STATUS Sys_ResetSignal(CAM_HANDLE hHandle);
  * @retval CAM_API_STS_ALREADY_OPENED    the camera is open; @p phCam receives its handle, one Cam_Close() closes it
  * @retval CAM_API_STS_XML_LOAD_ERR      the description is unusable
  * @retval CAM_API_STS_GENICAM_ERR       the description is unusable; Misc_GetLastGenICamError() tells why
+ * @retval CAM_API_STS_ACCESS_DENIED     no permission for the camera's device file
+ * @retval CAM_API_STS_BUSY              another program, or a kernel driver, has the camera
+ *
+ * After any failure of the transport's, Misc_SetLastGenICamError() with 1 and Misc_GetLastGenICamError() tell why and
+ * what to do.
  */
 CAM_API_STATUS Cam_Open(uint32_t uiCamIdx, CAM_HANDLE *phCam, void *pvRemovalSignal, bool bUseGenICam, void *pvXmlFile,
                         CAM_ACCESS_MODE eAccessMode);

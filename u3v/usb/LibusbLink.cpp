@@ -23,6 +23,7 @@ LibusbLink::LibusbLink(LibusbContext &context, std::unique_ptr<LibusbHandle> han
                        DeviceIdentity identity)
     : context_(context),
       handle_(std::move(handle)),
+      rawHandle_(handle_->Get()),
       identity_(std::move(identity)),
       interfaces_{interfaces.control, interfaces.event.value_or(BulkInterface()),
                   interfaces.stream.value_or(BulkInterface())}
@@ -30,7 +31,9 @@ LibusbLink::LibusbLink(LibusbContext &context, std::unique_ptr<LibusbHandle> han
     for (const BulkInterface &interface : interfaces_)
         if (interface.in != 0)
             handle_->Claim(interfaces.configuration, interface.number);
-    out_ = NewTransfer(interfaces_[0].out, *this);
+    TransferOwner &owner = *this;
+    BulkIn::Listener &listener = *this;
+    out_ = std::make_unique<LibusbTransfer>(owner, rawHandle_, interfaces.control.out, listener);
     context_.AddUser(handle_->Device().get(), *this);
 }
 
@@ -86,18 +89,11 @@ void LibusbLink::OnDone(BulkIn &) noexcept
     outDone_.notify_all();
 }
 
+// Callers may hold a lock that the event thread waits for, which Close() waits for: no lock here.
 std::unique_ptr<BulkIn> LibusbLink::NewTransfer(Pipe pipe, BulkIn::Listener &listener)
 {
-    return NewTransfer(InterfaceOf(pipe).in, listener);
-}
-
-std::unique_ptr<BulkIn> LibusbLink::NewTransfer(std::uint8_t endpoint, BulkIn::Listener &listener)
-{
-    std::lock_guard lock(closeMutex_);
-    if (handle_ == nullptr)
-        throw StatusError(CAM_API_STS_INVALID_CAMERA_HANDLE, "the camera is closed");
     TransferOwner &owner = *this;
-    return std::make_unique<LibusbTransfer>(owner, handle_->Get(), endpoint, listener);
+    return std::make_unique<LibusbTransfer>(owner, rawHandle_, InterfaceOf(pipe).in, listener);
 }
 
 void LibusbLink::SetHalt(Pipe pipe) { ForEachEndpoint(pipe, "halting", SetEndpointHalt); }
@@ -127,7 +123,7 @@ TransferStatus LibusbLink::Reset()
         unused_.wait(lock, [this] { return uses_ == 0; });
         ++uses_;
     }
-    const int error = state_ == State::Resetting ? libusb_reset_device(handle_->Get()) : LIBUSB_ERROR_NO_DEVICE;
+    const int error = state_ == State::Resetting ? libusb_reset_device(rawHandle_) : LIBUSB_ERROR_NO_DEVICE;
     expected = State::Resetting;
     state_.compare_exchange_strong(expected, State::Open);
     // It has left and comes back as a new device: the reset itself is done.
@@ -236,7 +232,7 @@ int LibusbLink::WithHandle(Call call)
             return LIBUSB_ERROR_NO_DEVICE;
         ++uses_;
     }
-    const int result = call(handle_->Get());
+    const int result = call(rawHandle_);
     if (result == LIBUSB_ERROR_NO_DEVICE)
         MarkGone();
     EndUse();

@@ -36,7 +36,6 @@ class LibusbLink : public UsbLink, private LibusbContext::User, private Transfer
   private:
     enum class State : std::uint8_t { Open, Resetting, Gone };
 
-    std::unique_ptr<BulkIn> NewTransfer(std::uint8_t endpoint, BulkIn::Listener &listener);
     const BulkInterface &InterfaceOf(Pipe pipe) const { return interfaces_[static_cast<std::size_t>(pipe)]; }
     void Add(LibusbTransfer &transfer) override;
     void Remove(LibusbTransfer &transfer) noexcept override;
@@ -59,6 +58,7 @@ class LibusbLink : public UsbLink, private LibusbContext::User, private Transfer
     LibusbContext &context_;
     std::mutex closeMutex_; // of handle_
     std::unique_ptr<LibusbHandle> handle_;
+    libusb_device_handle *const rawHandle_; // used only between BeginSubmit() and EndTransfer(), and the like
     const DeviceIdentity identity_;
     const std::array<BulkInterface, 3> interfaces_; // by Pipe
 
