@@ -56,9 +56,10 @@ void FakeBus::Unplug(libusb_device &device)
 {
     std::lock_guard lock(mutex);
     device.isAttached = false;
-    if (device.script.completesWhenUnplugged)
+    // A virtual device completes its transfers itself.
+    if (device.script.completesWhenUnplugged && device.script.function == nullptr)
         for (libusb_transfer *transfer : std::vector(pending))
-            if (transfer->dev_handle->device == &device && transfers[transfer].in == nullptr)
+            if (transfer->dev_handle->device == &device)
                 Queue(transfer, LIBUSB_TRANSFER_NO_DEVICE, 0);
     for (const auto &[handle, callback] : callbacks)
         events.emplace_back([callback = callback, &device] {
