@@ -138,15 +138,18 @@ InEndpoint *Device::In(Endpoint endpoint)
 
 TransferStatus Device::Out(std::span<const std::byte> data)
 {
+    TransferStatus status;
     {
         const std::lock_guard command(controlMutex_);
-        if (const TransferStatus status = Execute(data); status != TransferStatus::Completed) {
-            return status;
-        }
+        status = Execute(data);
     }
     ackOutbox_.Pump();
-    Settle();
-    return TransferStatus::Completed;
+    if (isSettleDue_.exchange(false)) {
+        Settle();
+    } else {
+        eventOutbox_.Pump(); // a read wakes nobody
+    }
+    return status;
 }
 
 TransferStatus Device::Execute(std::span<const std::byte> command)

@@ -20,6 +20,7 @@
 #include "vcam/VirtualCamera.h"
 #include "vcam/image/ImageFeed.h"
 
+#include <atomic>
 #include <chrono>
 #include <map>
 #include <thread>
@@ -251,6 +252,7 @@ class Device final : public VirtualCamera, private GenCpMemory {
     std::vector<FaultRule> nextFrame_, nextCommand_; // what rules of other moments do to them
     std::uint32_t badEvents_ = 0;
     bool isEventHaltDue_ = false;
+    std::atomic<bool> isSettleDue_ = false; // rules have acted under the lock
     std::optional<Clock::time_point> faultAlarm_;
     std::uint64_t powerUps_ = 0;
 

@@ -111,7 +111,7 @@ void Device::ActOn(const std::vector<FaultRule> &rules)
         }
     }
     if (!rules.empty()) {
-        wake_.notify_all();
+        isSettleDue_ = true;
     }
 }
 

@@ -229,7 +229,7 @@ TEST_F(FaultStreamTest, WithoutATrailerTheImageMayLackSomething)
     EXPECT_NE(log.Text().find("stream of VC000001 out of step at block 3"), std::string::npos) << log.Text();
 }
 
-TEST_F(FaultStreamTest, RequestWhoseTrailerNeverComesIsNoneTheLess)
+TEST_F(FaultStreamTest, RequestWhoseTrailerNeverComesCanBeFlushed)
 {
     Arm({.at = 0, .action = FaultAction::LoseTrailer});
     SetInt(hCam, "AcquisitionFrameCount", 1);

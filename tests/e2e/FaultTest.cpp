@@ -17,7 +17,7 @@ constexpr uint32_t unset = 0xFFFFFFFF;
 
 } // namespace
 
-FaultTest::FaultTest() : hCam(Open()) {}
+FaultTest::FaultTest() : hCam(Open()), actedBefore_(ReadWord(hCam, faultsActed)) {}
 
 FaultTest::~FaultTest() { DisarmFaults(hCam); }
 
@@ -48,7 +48,7 @@ void DisarmFaults(CAM_HANDLE hCam)
     Cam_WriteReg(hCam, faultArm, 1, &none); // a camera that was unplugged has none left
 }
 
-uint32_t FaultTest::Acted() const { return ReadWord(hCam, faultsActed); }
+uint32_t FaultTest::Acted() const { return ReadWord(hCam, faultsActed) - actedBefore_; }
 
 TransportLog::TransportLog() { EXPECT_EQ(Log_InitializeMemCamEx(u3v, 100000, CAM_LOG_LEVEL_WARN), 0u); }
 

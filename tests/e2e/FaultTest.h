@@ -30,11 +30,14 @@ class FaultTest : public VirtualCameraTest {
     ~FaultTest() override;
 
     void Arm(const FaultRule &rule) const { ArmFault(hCam, rule); }
-    /// Rules that have acted since the camera's power-up.
+    /// How often rules have acted in this test; for cameras that were not unplugged.
     uint32_t Acted() const;
 
     TransportLog log;
     CAM_HANDLE hCam = 0;
+
+  private:
+    uint32_t actedBefore_ = 0;
 };
 
 /// What requests carried, in the order of their completion.
