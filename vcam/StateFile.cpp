@@ -104,6 +104,9 @@ void ParseLine(const std::string &line, StoredState &state, UserSet *&set)
         state.userDefinedName = Undigits(second);
     } else if (first == "default") {
         state.defaultUserSet = number();
+        if (state.defaultUserSet >= state.userSets.size()) {
+            throw std::runtime_error("it names a set that this camera does not have");
+        }
     } else if (first == "set") {
         set = &state.userSets.at(number());
         *set = state.userSets[0];
