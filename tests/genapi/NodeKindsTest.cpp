@@ -286,7 +286,11 @@ TEST(Converter, ThatIsLinearTellsItsStepAndWritesTheNearest)
                 "<pValue>Bounded</pValue></Converter>"
                 "<IntConverter Name=\"Down\"><IsLinear>Yes</IsLinear><FormulaTo>100 - FROM / 10</FormulaTo>"
                 "<FormulaFrom>(100 - TO) * 10</FormulaFrom><pValue>Bounded</pValue></IntConverter>"
-                "<Float Name=\"F\"><pValue>Linear</pValue><Min>-4</Min></Float>");
+                "<Float Name=\"F\"><pValue>Linear</pValue><Min>-4</Min></Float>"
+                "<Integer Name=\"Huge\"><Value>0</Value><Min>1</Min><Inc>0x7FFFFFFFFFFFFFFF</Inc></Integer>"
+                "<IntConverter Name=\"OfHuge\"><IsLinear>Yes</IsLinear><FormulaTo>FROM</FormulaTo><FormulaFrom>TO"
+                "</FormulaFrom><pValue>Huge</pValue></IntConverter>");
+    EXPECT_EQ(map->IntInc(map["OfHuge"]), 1) << "the next step fits no 64-bit integer";
     EXPECT_EQ(map->FloatInc(map["Linear"]), 0.25);
     EXPECT_EQ(map->FloatInc(map["F"]), 0.25);
     EXPECT_EQ(map->FloatInc(map["Steep"]), 1);

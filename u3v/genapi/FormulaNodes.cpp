@@ -20,6 +20,20 @@ Formula CompileFor(Loader &loader, const Node &node, FormulaPart &part, std::str
     }
 }
 
+// Nothing when the result fits no 64-bit integer.
+std::optional<std::int64_t> Sum(std::int64_t a, std::int64_t b)
+{
+    std::int64_t sum;
+    return __builtin_add_overflow(a, b, &sum) ? std::nullopt : std::optional(sum);
+}
+std::optional<double> Sum(double a, double b) { return a + b; }
+std::optional<std::int64_t> Difference(std::int64_t a, std::int64_t b)
+{
+    std::int64_t difference;
+    return __builtin_sub_overflow(a, b, &difference) ? std::nullopt : std::optional(difference);
+}
+std::optional<double> Difference(double a, double b) { return a - b; }
+
 } // namespace
 
 template <class T>
@@ -151,17 +165,22 @@ std::optional<T> ConverterNode<T>::ValueInc(Run &run)
 {
     if (!linear_)
         return std::nullopt;
-    const std::optional<double> step = value_->Type() == NodeType::Integer
-                                           ? std::optional(static_cast<double>(value_->IntInc(run)))
-                                           : value_->FloatInc(run);
+    std::optional<T> step;
+    if constexpr (std::is_same_v<T, double>)
+        step = value_->Type() == NodeType::Integer ? static_cast<double>(value_->IntInc(run)) : value_->FloatInc(run);
+    else
+        step = value_->IntInc(run);
     if (!step)
         return std::nullopt;
     const Limits<T> raw = LimitsOf<T>(*value_, run);
     const T from = raw.min == noLimits<T>.min ? T{} : raw.min;
-    const std::optional<T> low = Limit(run, from), high = Limit(run, from + static_cast<T>(*step));
-    if (!low || !high || *low == *high)
+    const std::optional<T> next = Sum(from, *step);
+    if (!next)
         return std::nullopt;
-    return *high > *low ? *high - *low : *low - *high;
+    const std::optional<T> a = Limit(run, from), b = Limit(run, *next);
+    if (!a || !b || *a == *b)
+        return std::nullopt;
+    return Difference(std::max(*a, *b), std::min(*a, *b));
 }
 
 template <class T>
