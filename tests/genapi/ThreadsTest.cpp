@@ -1,5 +1,7 @@
 #include "TestMap.h"
+#include "ValueScript.h"
 
+#include <atomic>
 #include <thread>
 
 namespace Orvi::GenApi {
@@ -43,6 +45,49 @@ TEST(Threads, MayUseOneMapTogether)
         });
     for (std::thread &thread : threads)
         thread.join();
+}
+
+/// Readers ask everything of every node while others set, poll, deliver and forget.
+TEST(Threads, MayAskAWholeDescriptionWhileItsValuesChange)
+{
+    MemoryPort port;
+    std::atomic<int> milliseconds = 0;
+    const auto map = NodeMap::Load(ReadDescription("Modular"), port,
+                                   {.clock = [&] { return std::chrono::milliseconds(milliseconds += 7); }});
+    const auto quiet = [](auto &&f) {
+        try {
+            f();
+        } catch (const Error &) {
+        }
+    };
+    std::vector<std::thread> threads;
+    for (unsigned t = 0; t < 4; ++t)
+        threads.emplace_back([&, t] {
+            for (NodeId i = 0; i < 2 * map->Size(); ++i) {
+                const NodeId id = (i * (2 * t + 1) + t) % map->Size();
+                if (t % 2 == 0) {
+                    EXPECT_EQ(map->Find(map->Name(id)), id);
+                    map->DisplayName(id);
+                    map->Unit(id);
+                    map->Caching(id);
+                    quiet([&] { map->DescribeAccess(id); });
+                    quiet([&] { map->GetInt(id, {.verify = true, .ignoreCache = t == 2}); });
+                    quiet([&] { map->GetFloat(id); });
+                    quiet([&] { map->GetEnumText(id); });
+                    quiet([&] { map->GetString(id); });
+                } else {
+                    quiet([&] { map->SetInt(id, map->IntMin(id)); });
+                    quiet([&] { map->SetFloat(id, map->FloatMax(id)); });
+                    quiet([&] { map->SetEnumInt(id, map->EntryInt(map->Entry(id, 0)), Verify::Yes); });
+                    quiet([&] { map->Execute(id); });
+                    quiet([&] { map->IsDone(id); });
+                    map->Invalidate(id);
+                }
+            }
+        });
+    for (std::thread &thread : threads)
+        thread.join();
+    EXPECT_EQ(map->GetEnumText(*map->Find("Channel0GainSelector")), "All");
 }
 
 } // namespace
