@@ -29,8 +29,8 @@ double Draw(std::uint64_t seed, std::uint64_t place, std::uint64_t number)
 FaultEngine::FaultEngine(FaultScript script)
     : seed_(script.seed), scripted_(script.rules.size()), placed_(script.rules.size())
 {
-    for (FaultRule &rule : script.rules) {
-        states_.push_back({std::move(rule), states_.size()});
+    for (const FaultRule &rule : script.rules) {
+        states_.push_back({rule, states_.size()});
     }
 }
 

@@ -21,7 +21,7 @@ FaultTest::FaultTest() : hCam(Open()), actedBefore_(ReadWord(hCam, faultsActed))
 
 FaultTest::~FaultTest() { DisarmFaults(hCam); }
 
-void ArmFault(CAM_HANDLE hCam, const FaultRule &rule)
+CAM_API_STATUS TryArmFault(CAM_HANDLE hCam, const FaultRule &rule)
 {
     const auto word = [](auto value) { return static_cast<uint32_t>(value); };
     const auto optional = [&](const std::optional<uint64_t> &value) { return value ? word(*value) : unset; };
@@ -38,8 +38,12 @@ void ArmFault(CAM_HANDLE hCam, const FaultRule &rule)
                               word(rule.amount),
                               word(rule.target),
                               1};
-    EXPECT_EQ(Cam_WriteReg(hCam, faultRule, std::size(words), words), 0u)
-        << "the camera refuses the rule: " << NameOf(rule.action);
+    return Cam_WriteReg(hCam, faultRule, std::size(words), words);
+}
+
+void ArmFault(CAM_HANDLE hCam, const FaultRule &rule)
+{
+    EXPECT_EQ(TryArmFault(hCam, rule), 0u) << "the camera refuses the rule: " << NameOf(rule.action);
 }
 
 void DisarmFaults(CAM_HANDLE hCam)

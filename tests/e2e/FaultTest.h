@@ -12,6 +12,8 @@ using Vcam::FaultRule;
 
 /// Adds a rule to the camera, until Disarm() or its power-up. Its commands, writes and time count from now on.
 void ArmFault(CAM_HANDLE hCam, const FaultRule &rule);
+/// What the camera, or its absence, answers to the rule.
+CAM_API_STATUS TryArmFault(CAM_HANDLE hCam, const FaultRule &rule);
 void DisarmFaults(CAM_HANDLE hCam);
 
 /// Keeps what the transport logs as warnings and errors.

@@ -78,6 +78,8 @@ void LoopbackLink::Close()
     // After an unplug the device's observer may be the next link already.
     if (!isGone_.exchange(true))
         device_->SetGoneObserver(nullptr);
+    // The news of the unplug may still be on its way through OnGone().
+    std::lock_guard lock(mutex_);
 }
 
 DeviceIdentity LoopbackLink::IdentityOf(const Vcam::UsbIdentity &device)
