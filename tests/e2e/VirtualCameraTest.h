@@ -1,6 +1,7 @@
 #pragma once
 // The fixture of the tests that use the library as an application does: with its own transport, on virtual cameras in
-// this process, or, with ORVI_E2E_LINK=usb, on two that orvi-vcam-usbip has plugged into the kernel.
+// this process, or, with ORVI_E2E_LINK=usb (the other is virtual), on two that orvi-vcam-usbip has plugged into the
+// kernel.
 
 #include "OrviCamApi.h"
 

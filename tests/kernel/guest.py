@@ -2,13 +2,14 @@
 """Boots Debian's kernel in QEMU, plugs this build's virtual cameras into it and tries them from there.
 
 Usage: guest.py BUILD_FOLDER [STEP...]     STEPs of the table below; default: all of them.
+       guest.py BUILD_FOLDER --bench       our host beside Aravis's on the same camera, as ratios
 Needs neither root nor network nor KVM, only packages, which it keeps in BUILD_FOLDER/kernel-guest.
 """
 
 import re
+import statistics
 import subprocess
 import sys
-import time
 from dataclasses import dataclass
 from pathlib import Path
 
@@ -33,8 +34,15 @@ STEPS = [
          "orvi-vcam-usbip --attach --cameras 2 >/tmp/exporter.log 2>&1 & "
          "for i in $(seq 300); do [ $(grep -c plugged /tmp/exporter.log) = 2 ] && exit; sleep 0.1; done; "
          "cat /tmp/exporter.log; dmesg | tail; exit 1"),
-    Step("orvicam", "our command line", 60,
-         "export ORVI_TRANSPORT=usb; orvicam list && orvicam info && orvicam -c VC000001 grab -n 3 -o /tmp/grab && ls -l /tmp/grab"),
+    Step("same", "one application, in-process and over USB: 1000 images, all features", 300,
+         "for road in virtual usb; do export ORVI_TRANSPORT=$road ORVI_E2E_LINK=$road; "
+         "{ ORVI_VIRTUAL_CAMERAS=2 orvicam list && ORVI_VIRTUAL_CAMERAS=2 orvicam -c VC000001 --json features --all && "
+         "ORVI_VIRTUAL_CAMERAS=2 orvicam -c VC000002 --json values && "
+         "effect_test --gtest_color=no --gtest_filter='ThousandImages*' | "
+         "tee /tmp/images | grep ' sum '; } >/tmp/$road || { cat /tmp/$road /tmp/images; exit 1; }; done; "
+         "wc -l /tmp/virtual /tmp/usb; grep ' sum ' /tmp/usb; diff /tmp/virtual /tmp/usb"),
+    Step("nodes", "features by function, register and node", 300,
+         "ORVI_E2E_LINK=usb effect_test --gtest_color=no --gtest_filter='Road*'"),
     Step("e2e", "the library's tests of whole applications", 400,
          "ORVI_E2E_LINK=usb e2e_test --gtest_color=no --gtest_filter=-WrongHandleTest.*"),
     Step("faults", "the library's tests of failing cameras", 400,
@@ -46,6 +54,12 @@ STEPS = [
     Step("aravis-stream", "arv-camera-test, sync: 100 frames", 60,
          "arv-camera-test-0.8 -n Orvi-VC000001 -s sync -w 640 -h 480 -f 20 --duration=8"),
 ]
+
+# The two take turns, so that what else the machine does meets both.
+HOSTS = {"ours": "orvi_host_bench", "aravis": "aravis_host_bench"}
+BENCH_STEPS = [STEPS[0]] + [
+    Step(f"{host}-{turn}", f"the host of {host}", 300, f"ORVI_TRANSPORT=usb {program}")
+    for turn in (1, 2, 3) for host, program in HOSTS.items()]
 
 
 def build_image(build, folder, steps):
@@ -71,8 +85,11 @@ def build_image(build, folder, steps):
         image.add_program(f"sdk/bin/{program}", sdk / "bin" / program)
     for library in ["libOrviCamApi_64.so.1", "libOrviU3vCamApi_64.so"]:
         image.add_program(f"sdk/lib/{library}", sdk / "lib" / library)
-    for test in ["e2e_test", "fault_test"]:
-        image.add_program(f"bin/{test}", build / "tests/e2e" / test, search=[sdk / "lib"])
+    for test in ["e2e/e2e_test", "e2e/fault_test", "effects/effect_test"]:
+        image.add_program(f"bin/{Path(test).name}", build / "tests" / test, search=[sdk / "lib"])
+    for host in HOSTS.values():
+        if (build / "bench/kernel" / host).exists():
+            image.add_program(f"bin/{host}", build / "bench/kernel" / host, search=[sdk / "lib"])
     image.add_bytes("limit", b"%d\n" % GUEST_LIMIT)
     image.add_bytes("steps", "".join(f"{s.limit} {s.name} {s.command}\n" for s in steps).encode())
     initrd = folder / "initrd"
@@ -94,8 +111,16 @@ def boot(vmlinux, initrd):
 
 
 def main():
+    if len(sys.argv) < 2 or sys.argv[1].startswith("-"):
+        print(__doc__)
+        return 2
     build, wanted = Path(sys.argv[1]).resolve(), sys.argv[2:]
-    steps = [s for s in STEPS if not wanted or s.name in wanted or s.name == "attach"]
+    unknown = set(wanted) - {s.name for s in STEPS} - {"--bench"}
+    if unknown:
+        print(f"guest.py: no step {', '.join(unknown)}; there are {', '.join(s.name for s in STEPS)}", file=sys.stderr)
+        return 2
+    is_bench = "--bench" in wanted
+    steps = BENCH_STEPS if is_bench else [s for s in STEPS if not wanted or s.name in wanted or s.name == "attach"]
     folder = build / "kernel-guest"
     try:
         vmlinux, initrd = build_image(build, folder, steps)
@@ -104,7 +129,7 @@ def main():
         return 1
 
     print(f"== Guest: {vmlinux.name}, {initrd.stat().st_size >> 20} MB", flush=True)
-    results, output, code = {}, [], None
+    results, output, code, figures = {}, [], None, {}
     with open(folder / "console.log", "w", encoding="utf-8") as log:
         for line in boot(vmlinux, initrd):
             if isinstance(line, int):
@@ -112,20 +137,27 @@ def main():
                 break
             log.write(line + "\n")
             if begun := re.match(r"@@ begin (\S+)", line):
-                output = []
-                print(f"-- {begun[1]}", flush=True)
+                name, output = begun[1], []
+                print(f"-- {name}", flush=True)
             elif ended := re.match(r"@@ end (\S+) (\d+) (\S+) (\S+)", line):
                 results[ended[1]] = (int(ended[2]), float(ended[4]) - float(ended[3]))
                 if ended[2] != "0":
                     print("\n".join(output))
             else:
                 output.append(line)
+                if figure := re.match(r"figure (\S+) (\S+)", line):
+                    figures.setdefault(figure[1], {}).setdefault(name.split("-")[0], []).append(float(figure[2]))
     good = code == 1 and all(results.get(s.name, (1,))[0] == 0 for s in steps)
     print("== Result")
     for step in steps:
         status, seconds = results.get(step.name, (None, 0))
         text = {None: "not run", 0: "ok", 124: "TIMEOUT"}.get(status, f"FAILED ({status})")
         print(f"{text:12} {seconds:6.1f} s  {step.name:18} {step.what}")
+    if is_bench and good:
+        print(f"{'ratio':>8}  {'ours':>12}  {'Aravis':>12}     medians of three turns; figures of an emulated machine")
+        for what, hosts in figures.items():
+            ours, peer = statistics.median(hosts["ours"]), statistics.median(hosts["aravis"])
+            print(f"{ours / peer:8.2f}  {ours:12.1f}  {peer:12.1f}     {what}")
     print(f"The console is in {folder / 'console.log'}.")
     if not good:
         print(f"guest.py: the guest's verdict is {code} instead of 1" if code != 1 else "guest.py: a step failed",
