@@ -209,6 +209,13 @@ std::size_t FakeDevice::Halts(Endpoint endpoint) const
     return found == endpoints_.end() ? 0 : found->second.halts;
 }
 
+std::size_t FakeDevice::Clears(Endpoint endpoint) const
+{
+    std::lock_guard lock(mutex_);
+    const auto found = endpoints_.find(endpoint);
+    return found == endpoints_.end() ? 0 : found->second.clears;
+}
+
 void FakeDevice::WaitHalts(Endpoint endpoint, std::size_t count)
 {
     std::unique_lock lock(mutex_);
@@ -311,6 +318,7 @@ void FakeDevice::ClearHalt(Endpoint endpoint)
     std::lock_guard lock(mutex_);
     endpoints_[endpoint].isHalted = false;
     endpoints_[endpoint].queued.clear();
+    ++endpoints_[endpoint].clears;
 }
 
 void FakeDevice::SetGoneObserver(GoneObserver *observer)

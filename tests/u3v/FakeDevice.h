@@ -67,6 +67,7 @@ class FakeDevice : public Vcam::UsbFunction {
     void WaitPosted(Vcam::Endpoint endpoint, std::size_t count);
     std::size_t Posted(Vcam::Endpoint endpoint) const;
     std::size_t Halts(Vcam::Endpoint endpoint) const;
+    std::size_t Clears(Vcam::Endpoint endpoint) const;
     void Unplug();
     void WaitHalts(Vcam::Endpoint endpoint, std::size_t count);
 
@@ -83,7 +84,7 @@ class FakeDevice : public Vcam::UsbFunction {
         std::deque<Vcam::InTransfer *> posted;
         std::deque<Bytes> queued; // of the control endpoint: answers that wait for a transfer
         bool isHalted = false;
-        std::size_t halts = 0;
+        std::size_t halts = 0, clears = 0;
     };
 
     void PumpControl();

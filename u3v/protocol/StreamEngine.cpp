@@ -53,9 +53,10 @@ void StreamEngine::Start(std::uint32_t acquisitionMode)
     WriteRegister(control, sirm, Sirm::control, 0U);
     const StreamLayout layout = Negotiate(control);
     ClearEndpoint();
+    const std::size_t budget = link_.MaxBytesInFlight();
 
     std::unique_lock lock(mutex_);
-    budget_ = link_.MaxBytesInFlight();
+    budget_ = budget;
     PrepareFrames(layout);
     lastBlockId_.reset();
     lostCount_ = 0;
