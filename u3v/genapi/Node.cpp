@@ -66,9 +66,8 @@ bool Node::Take(const Property &property)
     case Prop::ExposeStatic:      said_.exposedStatic = property.YesNo(); return true;
     case Prop::PollingTime:       AddMore().pollingTime = static_cast<std::uint32_t>(std::clamp<std::int64_t>(property.Int(), 0, ~0u)); return true;
     case Prop::pBlockPolling:     property.Target(Role::BlockPolling); return true;
-    // The vendor's own elements.
-    case Prop::Extension:         return true;
-    // A node without a register is as cachable as what it is made of.
+    // The vendor's own elements; and a node without a register is as cachable as what it is made of.
+    case Prop::Extension:
     case Prop::Cachable:          return true;
     default:                      return false;
         // clang-format on
