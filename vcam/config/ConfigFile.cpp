@@ -94,7 +94,7 @@ ConfigFile ReadConfig(std::string_view text, const std::string &folder, Disk dis
     }
     top.RefuseOthers();
     file.cameras = expansion.Take();
-    std::ranges::stable_sort(file.mistakes, {}, &Mistake::place);
+    std::ranges::stable_sort(file.mistakes, {}, [](const Mistake &mistake) { return mistake.place.Order(); });
     return file;
 }
 

@@ -20,7 +20,7 @@ struct ConfigFile {
 enum class Disk : std::uint8_t {
     Untouched, ///< nothing: paths stay as they are, and a description is not read
     Read,      ///< images are looked for and descriptions read
-    ReadAll,   ///< images are decoded, too
+    ReadAll,   ///< images are decoded and descriptions loaded, too
 };
 
 /// Reads a text. Relative paths in it start at `folder`.

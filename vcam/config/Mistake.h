@@ -2,6 +2,7 @@
 // What is wrong with a description file, and where.
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Orvi::Vcam {
@@ -9,7 +10,8 @@ namespace Orvi::Vcam {
 /// A place in a text, counted from 1; 0 is the text as a whole.
 struct Place {
     unsigned line = 0, column = 0;
-    auto operator<=>(const Place &) const = default;
+    bool operator==(const Place &) const = default;
+    std::pair<unsigned, unsigned> Order() const { return {line, column}; }
 };
 
 struct Mistake {

@@ -1,6 +1,10 @@
 #include "vcam/config/CameraReader.h"
 #include "vcam/config/TextFile.h"
 
+#include "u3v/genapi/Error.h"
+#include "u3v/genapi/NodeMap.h"
+#include "u3v/genapi/Port.h"
+
 #include <array>
 #include <filesystem>
 #include <pugixml.hpp>
@@ -20,15 +24,36 @@ std::string PlaceIn(std::string_view text, std::ptrdiff_t offset)
     return std::to_string(line) + ":" + std::to_string(before.size() - (before.rfind('\n') + 1) + 1);
 }
 
-/// What is wrong with a description as such; its nodes are the host's concern.
-std::string ProblemOfXml(const std::string &path, const std::string &xml)
+/// A camera that is not there: loading a description reads nothing.
+class NoPort final : public GenApi::Port {
+  public:
+    void Read(std::uint64_t, std::span<std::byte>) override { throw GenApi::Error("there is no camera"); }
+    void Write(std::uint64_t, std::span<const std::byte>) override { throw GenApi::Error("there is no camera"); }
+};
+
+std::string ProblemOfNodes(const std::string &path, const std::string &xml)
+{
+    try {
+        NoPort port;
+        GenApi::NodeMap::Load(xml, port);
+        return "";
+    } catch (const std::exception &error) {
+        return "names " + path + ", which cannot be used: " + error.what();
+    }
+}
+
+/// What is wrong with a description as such; its nodes are looked at by a check alone.
+std::string ProblemOfXml(const std::string &path, const std::string &xml, Disk disk)
 {
     pugi::xml_document document;
     if (const pugi::xml_parse_result parsed = document.load_buffer(xml.data(), xml.size()); !parsed) {
         return "names no XML: " + path + ":" + PlaceIn(xml, parsed.offset) + ": " + parsed.description();
     }
     const std::string root = document.document_element().name();
-    return root == "RegisterDescription" ? "" : "names no GenICam description: " + path + " holds <" + root + ">";
+    if (root != "RegisterDescription") {
+        return "names no GenICam description: " + path + " holds <" + root + ">";
+    }
+    return disk == Disk::ReadAll ? ProblemOfNodes(path, xml) : "";
 }
 
 /// The key of a file for what the struct calls it.
@@ -50,7 +75,7 @@ void ReadXml(Section &camera, const ReadContext &context, std::string &xml)
     }
     path = Resolved(context, path);
     std::string text, problem = ReadTextFile(path, largest, text);
-    problem = problem.empty() ? ProblemOfXml(path, text) : "names " + path + ", which " + problem;
+    problem = problem.empty() ? ProblemOfXml(path, text, context.disk) : "names " + path + ", which " + problem;
     if (!problem.empty()) {
         camera.Wrong("xml", problem);
         return;

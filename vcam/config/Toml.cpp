@@ -32,7 +32,7 @@ std::vector<TomlMember> ConvertMembers(const toml::table &table)
     for (const auto &[key, node] : table) {
         members.push_back({std::string(key.str()), PlaceOf(key.source()), Convert(node)});
     }
-    std::ranges::stable_sort(members, {}, &TomlMember::place);
+    std::ranges::stable_sort(members, {}, [](const TomlMember &member) { return member.place.Order(); });
     return members;
 }
 

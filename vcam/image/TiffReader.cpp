@@ -14,28 +14,35 @@ namespace {
 
 /// libtiff, loaded when the first TIFF is read: with its codecs it is a dozen libraries, which a transport for real
 /// cameras is not to load.
-struct LibTiff {
-#define ORVI_TIFF_FUNCTIONS(row)                                                                                       \
-    row(TIFFOpenOptionsAlloc) row(TIFFOpenOptionsSetErrorHandlerExtR) row(TIFFOpenOptionsSetWarningHandlerExtR)        \
-        row(TIFFOpenOptionsFree) row(TIFFClientOpenExt) row(TIFFClose) row(TIFFGetField) row(TIFFGetFieldDefaulted)    \
-            row(TIFFIsTiled) row(TIFFScanlineSize) row(TIFFReadScanline) row(TIFFReadRGBAImageOriented)
-#define ORVI_TIFF_MEMBER(name) decltype(&::name) name = nullptr;
-    ORVI_TIFF_FUNCTIONS(ORVI_TIFF_MEMBER)
-#undef ORVI_TIFF_MEMBER
+class LibTiff {
+  private:
+    // The library of the headers that this was built with.
+    void *const library_ = dlopen("libtiff.so.6", RTLD_NOW | RTLD_LOCAL);
 
-    LibTiff()
+    template <class Function>
+    Function *Find(const char *name)
     {
-        // The library of the headers that this was built with.
-        void *library = dlopen("libtiff.so.6", RTLD_NOW | RTLD_LOCAL);
-        isComplete = library != nullptr;
-#define ORVI_TIFF_LOAD(name)                                                                                           \
-    name = isComplete ? reinterpret_cast<decltype(name)>(dlsym(library, #name)) : nullptr;                             \
-    isComplete = isComplete && name != nullptr;
-        ORVI_TIFF_FUNCTIONS(ORVI_TIFF_LOAD)
-#undef ORVI_TIFF_LOAD
-#undef ORVI_TIFF_FUNCTIONS
+        auto *function = library_ == nullptr ? nullptr : reinterpret_cast<Function *>(dlsym(library_, name));
+        isComplete = isComplete && function != nullptr;
+        return function;
     }
-    bool isComplete = false;
+
+  public:
+    bool isComplete = true;
+    // clang-format off
+    decltype(&::TIFFOpenOptionsAlloc) TIFFOpenOptionsAlloc = Find<decltype(::TIFFOpenOptionsAlloc)>("TIFFOpenOptionsAlloc");
+    decltype(&::TIFFOpenOptionsSetErrorHandlerExtR) TIFFOpenOptionsSetErrorHandlerExtR = Find<decltype(::TIFFOpenOptionsSetErrorHandlerExtR)>("TIFFOpenOptionsSetErrorHandlerExtR");
+    decltype(&::TIFFOpenOptionsSetWarningHandlerExtR) TIFFOpenOptionsSetWarningHandlerExtR = Find<decltype(::TIFFOpenOptionsSetWarningHandlerExtR)>("TIFFOpenOptionsSetWarningHandlerExtR");
+    decltype(&::TIFFOpenOptionsFree) TIFFOpenOptionsFree = Find<decltype(::TIFFOpenOptionsFree)>("TIFFOpenOptionsFree");
+    decltype(&::TIFFClientOpenExt) TIFFClientOpenExt = Find<decltype(::TIFFClientOpenExt)>("TIFFClientOpenExt");
+    decltype(&::TIFFClose) TIFFClose = Find<decltype(::TIFFClose)>("TIFFClose");
+    decltype(&::TIFFGetField) TIFFGetField = Find<decltype(::TIFFGetField)>("TIFFGetField");
+    decltype(&::TIFFGetFieldDefaulted) TIFFGetFieldDefaulted = Find<decltype(::TIFFGetFieldDefaulted)>("TIFFGetFieldDefaulted");
+    decltype(&::TIFFIsTiled) TIFFIsTiled = Find<decltype(::TIFFIsTiled)>("TIFFIsTiled");
+    decltype(&::TIFFScanlineSize) TIFFScanlineSize = Find<decltype(::TIFFScanlineSize)>("TIFFScanlineSize");
+    decltype(&::TIFFReadScanline) TIFFReadScanline = Find<decltype(::TIFFReadScanline)>("TIFFReadScanline");
+    decltype(&::TIFFReadRGBAImageOriented) TIFFReadRGBAImageOriented = Find<decltype(::TIFFReadRGBAImageOriented)>("TIFFReadRGBAImageOriented");
+    // clang-format on
 };
 
 const LibTiff &Tiff()

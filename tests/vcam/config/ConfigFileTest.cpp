@@ -269,6 +269,21 @@ TEST_F(ConfigFileOnDisk, ACheckDecodesImagesToTheirEnds)
                                        ", which is a broken PNM: it ends too early"});
 }
 
+TEST_F(ConfigFileOnDisk, ACheckLoadsTheNodesOfADescription)
+{
+    Write("nodes.xml", "<RegisterDescription xmlns=\"http://www.genicam.org/GenApi/Version_1_1\">\n"
+                       "<Integer Name=\"Width\"><pValue>Gone</pValue></Integer>\n</RegisterDescription>");
+    const std::string path = Write("cameras.toml", "[[camera]]\nxml = 'nodes.xml'");
+    EXPECT_TRUE(LoadConfigFile(path).mistakes.empty());
+    const auto messages = MessagesOf(LoadConfigFile(path, Disk::ReadAll));
+    ASSERT_EQ(messages.size(), 1u);
+    const std::string start = "f:2:7: xml names " + (Folder() / "nodes.xml").string() + ", which cannot be used: ";
+    EXPECT_TRUE(messages[0].starts_with(start)) << messages[0];
+    for (const char *part : {"Width", "Gone"}) {
+        EXPECT_NE(messages[0].find(part), std::string::npos) << messages[0];
+    }
+}
+
 TEST_F(ConfigFileOnDisk, TheSampleIsRightAndShowsEveryKey)
 {
     const std::string sample = ReadTextOf(ORVI_SAMPLE);
@@ -277,7 +292,7 @@ TEST_F(ConfigFileOnDisk, TheSampleIsRightAndShowsEveryKey)
     // With the keys that need files of one's own.
     Write("images/a.pgm", "P5 1 1 255\n1");
     Write("frames.raw", std::string(640 * 480, 'x'));
-    Write("other-camera.xml", "<RegisterDescription/>");
+    Write("other-camera.xml", "<RegisterDescription><Category Name=\"Root\"/></RegisterDescription>");
     std::string whole;
     for (const std::string &line : LinesOf(sample)) {
         const bool isKey = line.size() > 1 && line[0] == '#' && line[1] != ' ';
