@@ -23,7 +23,7 @@ class Session final : private Vcam::UsbFunction::GoneObserver {
 
     /// Sees from now on when the device is unplugged.
     Session(Vcam::UsbFunction &device, Socket socket);
-    ~Session();
+    ~Session() override;
 
     /// Serves the host until the connection ends. Throws std::runtime_error (ProtocolError among them) when that is due
     /// to a fault. `onConfigured` is called when the host has chosen the device's configuration.
