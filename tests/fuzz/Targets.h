@@ -22,6 +22,7 @@ void Image(Input input);       ///< leader, payload and trailer
 void Event(Input input);       ///< a packet of the event interface
 void Parameters(Input input);  ///< a parameter file
 void CameraFile(Input input);  ///< the file that describes virtual cameras
+void ModelFile(Input input);   ///< another model's description for a virtual camera
 void ImageFile(Input input);   ///< an image in front of a virtual camera
 
 /// A folder of corpus/ is named as its target.
@@ -31,9 +32,9 @@ struct Target {
 };
 
 constexpr Target targets[] = {
-    {"Description", Description}, {"Formula", Formula},     {"Archive", Archive}, {"Host", Host},
-    {"Server", Server},           {"Image", Image},         {"Event", Event},     {"Parameters", Parameters},
-    {"CameraFile", CameraFile},   {"ImageFile", ImageFile},
+    {"Description", Description}, {"Formula", Formula},     {"Archive", Archive},     {"Host", Host},
+    {"Server", Server},           {"Image", Image},         {"Event", Event},         {"Parameters", Parameters},
+    {"CameraFile", CameraFile},   {"ImageFile", ImageFile}, {"ModelFile", ModelFile},
 };
 
 inline void Require(bool holds, const char *promise)
