@@ -17,8 +17,7 @@ SceneImage DecodeRawImage(Bytes bytes)
     const std::uint32_t width = bytes.Number<std::uint8_t>() + 1u, height = bytes.Number<std::uint8_t>() + 1u;
     const auto code = bytes.Number<std::uint32_t>();
     const PixelFormat *format = FindPixelFormat(code);
-    if (format == nullptr || format->colours == Colours::Yuv411 ||
-        format->colours == Colours::Yuv422)
+    if (format == nullptr || format->colours == Colours::Yuv411 || format->colours == Colours::Yuv422)
         throw ImageError("has a format that is not asked for");
     return DecodeRaw(bytes.TakeAll(), width, height, code);
 }
