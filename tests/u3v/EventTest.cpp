@@ -21,10 +21,7 @@ constexpr std::size_t blockHeader = 40;
 
 class EventTest : public testing::Test {
   protected:
-    EventTest()
-    {
-        camera = std::make_shared<Camera>(MakeLink(device), Camera::Options{nullptr, false, ""});
-    }
+    EventTest() { camera = std::make_shared<Camera>(MakeLink(device), Camera::Options{nullptr, false, ""}); }
 
     void Open(std::uint32_t ownBuffers)
     {
