@@ -80,7 +80,7 @@ Bytes Tail(unsigned camera)
     StoreBe<std::uint32_t>(tail.data(), 1);
     StoreBe<std::uint32_t>(&tail[4], camera);
     StoreBe<std::uint32_t>(&tail[8], 5);
-    for (const unsigned byte : {0x12, 0x09, 0x00, 0x01, 0x01, 0x00, 0xEF, 0x02, 0x01, 1, 1, 3})
+    for (const int byte : {0x12, 0x09, 0x00, 0x01, 0x01, 0x00, 0xEF, 0x02, 0x01, 1, 1, 3})
         tail.push_back(static_cast<std::byte>(byte));
     return tail;
 }

@@ -69,7 +69,7 @@ std::optional<Bytes> ControlEndpoint::Answer(const SetupPacket &packet)
 {
     const auto word = [&](std::size_t at) { return static_cast<std::uint16_t>(packet[at] | packet[at + 1] << 8); };
     const Setup setup{static_cast<Request>(packet[0] << 8 | packet[1]), word(2), word(4), word(6)};
-    const auto answer = [&]() -> std::optional<Bytes> {
+    auto answer = [&]() -> std::optional<Bytes> {
         switch (setup.request) {
         case GetDescriptor:
             return Describe(setup);
@@ -104,7 +104,10 @@ std::optional<Bytes> ControlEndpoint::Answer(const SetupPacket &packet)
     return Bytes(answer->begin(), answer->begin() + setup.length);
 }
 
-void ControlEndpoint::NoteStall(Vcam::Endpoint endpoint) { isHalted_[IndexOf(static_cast<unsigned>(endpoint))] = true; }
+void ControlEndpoint::NoteStall(Vcam::Endpoint endpoint)
+{
+    isHalted_[IndexOf(static_cast<std::uint16_t>(endpoint))] = true;
+}
 
 std::optional<Bytes> ControlEndpoint::Describe(const Setup &setup) const
 {

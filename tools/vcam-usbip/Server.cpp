@@ -145,7 +145,7 @@ void Server::Talk(Connection &connection, Socket socket)
             List(socket);
         } else {
             const std::string busId = ParseBusId(Receive<s_busIdSize>(socket));
-            Import(connection, std::move(socket), busId);
+            Import(connection, socket, busId);
         }
     } catch (const std::exception &fault) {
         Complain(fault.what());
@@ -168,14 +168,13 @@ void Server::List(const Socket &socket)
     Send(socket, ListReply(entries));
 }
 
-void Server::Import(Connection &connection, Socket socket, const std::string &busId)
+void Server::Import(Connection &connection, Socket &socket, const std::string &busId)
 {
     unsigned number = 1;
     while (number <= cameras_.size() && busId != BusIdOf(number))
         ++number;
     if (number > cameras_.size() || !cameras_[number - 1].Reserve()) {
         Send(socket, ImportRefusal());
-        Forget(connection); // before the socket is closed
         return;
     }
     ExportedCamera &camera = cameras_[number - 1];

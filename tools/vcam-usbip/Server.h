@@ -28,7 +28,7 @@ class Server {
     void Accept();
     void Talk(Connection &connection, Socket socket);
     void List(const Socket &socket);
-    void Import(Connection &connection, Socket socket, const std::string &busId);
+    void Import(Connection &connection, Socket &socket, const std::string &busId);
     void Forget(Connection &connection);
     void JoinEnded();
 
