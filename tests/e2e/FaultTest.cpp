@@ -1,5 +1,6 @@
 #include "tests/e2e/FaultTest.h"
 
+#include "tests/e2e/FaultRegisters.h"
 #include "tests/support/TempFolder.h"
 
 #include <cstdio>
@@ -12,8 +13,6 @@ namespace Orvi::Testing {
 namespace {
 
 constexpr int32_t u3v = 1;
-constexpr uint64_t faultRule = 0x0F000040, faultArm = 0x0F000070, faultsActed = 0x0F000074;
-constexpr uint32_t unset = 0xFFFFFFFF;
 
 } // namespace
 
@@ -23,22 +22,8 @@ FaultTest::~FaultTest() { DisarmFaults(hCam); }
 
 CAM_API_STATUS TryArmFault(CAM_HANDLE hCam, const FaultRule &rule)
 {
-    const auto word = [](auto value) { return static_cast<uint32_t>(value); };
-    const auto optional = [&](const std::optional<uint64_t> &value) { return value ? word(*value) : unset; };
-    const uint32_t words[] = {word(rule.moment),
-                              optional(rule.at),
-                              word(rule.every),
-                              word(rule.from),
-                              word(rule.probability * 1e6),
-                              rule.times,
-                              optional(rule.address),
-                              rule.value,
-                              rule.mask,
-                              word(rule.action),
-                              word(rule.amount),
-                              word(rule.target),
-                              1};
-    return Cam_WriteReg(hCam, faultRule, std::size(words), words);
+    const auto words = FaultWords(rule);
+    return Cam_WriteReg(hCam, faultRule, static_cast<uint32_t>(words.size()), words.data());
 }
 
 void ArmFault(CAM_HANDLE hCam, const FaultRule &rule)

@@ -1,5 +1,7 @@
 #include "tests/long/SoakCamera.h"
 
+#include "tests/e2e/FaultRegisters.h"
+
 #include <chrono>
 #include <cstdio>
 #include <string>
@@ -12,8 +14,7 @@ std::atomic<unsigned long long> g_progress = 0;
 namespace {
 
 constexpr uint32_t s_patience = 1000; // ms between looks; how often is the watchdog's matter
-constexpr uint64_t s_maxResponseTime = 0x1CC, s_dropped = 0x0F000008, s_unthrottled = 0x0F00000C,
-                   s_faultRule = 0x0F000040, s_faultArm = 0x0F000070;
+constexpr uint64_t s_maxResponseTime = 0x1CC, s_dropped = 0x0F000008, s_unthrottled = 0x0F00000C;
 
 } // namespace
 
@@ -84,24 +85,12 @@ CAM_API_STATUS Camera::TryRead(uint64_t address) const
 
 void Camera::Arm(const Vcam::FaultRule &rule) const
 {
-    const auto word = [](auto value) { return static_cast<uint32_t>(value); };
-    const uint32_t words[] = {word(rule.moment),
-                              rule.at ? word(*rule.at) : UINT32_MAX,
-                              word(rule.every),
-                              word(rule.from),
-                              word(rule.probability * 1e6),
-                              rule.times,
-                              rule.address ? word(*rule.address) : UINT32_MAX,
-                              rule.value,
-                              rule.mask,
-                              word(rule.action),
-                              word(rule.amount),
-                              word(rule.target),
-                              1};
-    Check(Cam_WriteReg(hCam_, s_faultRule, std::size(words), words), "Cam_WriteReg of a fault");
+    const auto words = Testing::FaultWords(rule);
+    Check(Cam_WriteReg(hCam_, Testing::faultRule, static_cast<uint32_t>(words.size()), words.data()),
+          "Cam_WriteReg of a fault");
 }
 
-void Camera::Disarm() const { Write(s_faultArm, 0); }
+void Camera::Disarm() const { Write(Testing::faultArm, 0); }
 
 void Camera::SetRate(double imagesPerSecond) const
 {
