@@ -26,7 +26,7 @@ double Draw(std::uint64_t seed, std::uint64_t place, std::uint64_t number)
 
 } // namespace
 
-FaultEngine::FaultEngine(FaultScript script)
+FaultEngine::FaultEngine(const FaultScript &script)
     : seed_(script.seed), scripted_(script.rules.size()), placed_(script.rules.size())
 {
     for (const FaultRule &rule : script.rules) {

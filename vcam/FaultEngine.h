@@ -12,7 +12,7 @@ class FaultEngine {
   public:
     using TimePoint = std::chrono::steady_clock::time_point;
 
-    explicit FaultEngine(FaultScript script);
+    explicit FaultEngine(const FaultScript &script);
 
     /// Power-up: numbers begin anew, and rules that were armed are gone. How often a rule has acted is kept.
     void Restart(TimePoint now);
