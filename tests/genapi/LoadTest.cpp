@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <functional>
+
 namespace Orvi::GenApi {
 namespace {
 
@@ -25,7 +27,7 @@ TEST(Load, NamesNodeLineAndReason)
         {Int("A") + "\n" + Int("A"), "[A] line 4: Integer has the name of the node of line 3 too"},
         {Int("A", "<Value>twelve</Value>"), "[A] line 3: Value, 'twelve' is no integer"},
         {Int("A", "<Value>9223372036854775808</Value>"), "[A] line 3: Value, '9223372036854775808' fits no 64-bit integer"},
-        {Int("A", "<Value>0x10000000000000000</Value>"), "[A] line 3: Value, '0x10000000000000000' is no integer"},
+        {Int("A", "<Value>0x10000000000000000</Value>"), "[A] line 3: Value, '0x10000000000000000' fits no 64-bit integer"},
         {Int("A", "<Value/>"), "[A] line 3: Value, '' is no integer"},
         {Int("A", ""), "[A] line 3: Integer has no value"},
         {Int("A", "<Value>1</Value><Visibility>Everyone</Visibility>"), "[A] line 3: Visibility, 'Everyone' is none of Beginner, Expert, Guru, Invisible"},
@@ -45,7 +47,7 @@ TEST(Load, NamesNodeLineAndReason)
         {Reg("FloatReg", "R", 0, "", 3), "[R] line 3: FloatReg has a Length of 3, 4 or 8 can be"},
         {Reg("StringReg", "R", 0, "", 1 << 30), "[R] line 3: StringReg has a Length of 1073741824, 1 to 67108864 can be"},
         {"<IntReg Name=\"R\"><Address>0</Address></IntReg>", "[R] line 3: IntReg has no Length"},
-        {"<IntReg Name=\"R\"><Address>0</Address><pLength>A</pLength></IntReg>" + Int("A"), "[R] line 3: IntReg has a pLength, a constant Length is needed"},
+        {"<IntReg Name=\"R\"><Address>0</Address><pLength>A</pLength></IntReg>" + Int("A", "<pValue>B</pValue>") + Int("B"), "[R] line 3: IntReg has a pLength, a constant Length is needed"},
         {"<IntReg Name=\"R\"><Length>4</Length><pPort>A</pPort></IntReg>" + Int("A"), "[R] line 3: pPort, 'A' is no Port"},
         {Reg("MaskedIntReg", "R", 0), "[R] line 3: MaskedIntReg needs Bit or both LSB and MSB"},
         {Reg("MaskedIntReg", "R", 0, "<LSB>1</LSB>"), "[R] line 3: MaskedIntReg needs Bit or both LSB and MSB"},
@@ -54,6 +56,10 @@ TEST(Load, NamesNodeLineAndReason)
         {"<Enumeration Name=\"E\"><Value>0</Value><EnumEntry Name=\"X\"/></Enumeration>", "[EnumEntry_E_X] line 3: EnumEntry has no Value"},
         {"<Boolean Name=\"B\"><Value>0</Value><OnValue>0</OnValue></Boolean>", "[B] line 3: Boolean has the same OnValue and OffValue"},
         {"<Command Name=\"C\"><Value>0</Value></Command>", "[C] line 3: Command has no CommandValue"},
+        {"<Enumeration Name=\"E\"><Value>0</Value><EnumEntry Name=\"X\"><Value>0</Value></EnumEntry></Enumeration>" + Knife("<pVariable Name=\"V.Entry.Y\">E</pVariable><Formula>V.Entry.Y</Formula>"), "[K] line 3: IntSwissKnife formula V.Entry.Y: 'V.Entry.Y' is neither a variable nor a function"},
+        {Int("A", "<Value>1</Value><pValidValueSet>B</pValidValueSet>") + Int("B"), "[A] line 3: pValidValueSet, 'B' lists no values"},
+        {Int("A", "<Value>1</Value><ValidValueSet>1;two</ValidValueSet>"), "[A] line 3: ValidValueSet, 'two' is no integer"},
+        {"<Node Name=\"N\"/>" + Int("A", "<pValue>N</pValue>"), "[A] line 3: Integer needs a number of N, which is a Node"},
         {"<Converter Name=\"C\"><FormulaTo>FROM</FormulaTo><FormulaFrom>TO</FormulaFrom></Converter>", "[C] line 3: Converter has no pValue"},
         {"<Converter Name=\"C\"><FormulaTo>TO</FormulaTo><FormulaFrom>TO</FormulaFrom><pValue>A</pValue></Converter>" + Int("A"), "[C] line 3: Converter formula TO: 'TO' is neither a variable nor a function"},
         // clang-format on
@@ -125,6 +131,23 @@ TEST(Load, BoundsTheWorkOfOneCall)
                       "</pVariable><FormulaTo>FROM + A.Max</FormulaTo><FormulaFrom>TO - A.Max</FormulaFrom><pValue>R",
                       below, "</pValue></IntConverter>");
     }
+    std::string chosen = Int("C0"), copied = Int("W0"), asked = Int("Q0");
+    for (int i = 1; i <= 60; ++i) {
+        const std::string here = std::to_string(i), below = std::to_string(i - 1);
+        chosen += Int("C" + here,
+                      Say("<pIndex>C", below, "</pIndex><pValueIndexed Index=\"1\">C", below, "</pValueIndexed>"));
+        copied += Int("W" + here, Say("<pValue>W", below, "</pValue><pValueCopy>W", below, "</pValueCopy>"));
+        asked += Int("Q" + here, Say("<Value>1</Value><pIsAvailable>Q", below, "</pIsAvailable>"));
+        asked += Say("<IntSwissKnife Name=\"P", here, "\"><pVariable Name=\"A\">", (i == 1 ? "Q" : "P"), below,
+                     "</pVariable><pVariable Name=\"B\">", (i == 1 ? "Q" : "P"), below,
+                     "</pVariable><Formula>1</Formula></IntSwissKnife>");
+    }
+    const TestMap others(chosen + copied + asked);
+    for (const auto &ask : std::initializer_list<std::function<void()>>{
+             [&] { others.Int("C60"); }, [&] { others->Access(others["C60"]); },
+             [&] { others->SetInt(others["W60"], 1); }, [&] { others->Access(others["P60"]); }})
+        EXPECT_THAT(ErrorOf(ask), HasSubstr("takes more than 100000 steps"));
+    EXPECT_EQ(others.Int("C10"), 1);
     TestMap map(values + ranges);
     EXPECT_THAT(ErrorOf([&] { map.Int("V60"); }), HasSubstr("[V60] takes more than 100000 steps to evaluate"));
     EXPECT_THAT(ErrorOf([&] { map->IntMax(map["R60"]); }), HasSubstr("[R60] takes more than 100000 steps to evaluate"));
@@ -280,6 +303,66 @@ TEST(Load, TakesTheUsualEncodings)
         "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<!-- \xB0\xB0\xB0\n -->\n<RegisterDescription>\n" +
         Int("A", "<Value>x</Value>") + "</RegisterDescription>";
     EXPECT_THAT(ErrorOf([&] { NodeMap::Load(broken, port); }), StartsWith("[A] line 5: "));
+}
+
+TEST(Load, ReadsWindowsTextsAsWhatTheyAre)
+{
+    const std::string windows = "\x80 \x96 \xB5m\x99 \x81", utf8 = "\u20AC \u2013 \u00B5m\u2122 \u0081";
+    const auto unitOf = [&](const std::string &encoding) {
+        std::string xml = Describe(Int("A", "<Value>1</Value><Unit>" + windows + "</Unit>"));
+        xml.replace(xml.find("utf-8"), 5, encoding);
+        MemoryPort port;
+        const auto map = NodeMap::Load(xml, port);
+        return std::string(map->Unit(*map->Find("A")));
+    };
+    for (const char *encoding : {"windows-1252", "Windows-1252", "cp1252", "ISO-8859-1", "utf-8"})
+        EXPECT_EQ(unitOf(encoding), utf8) << encoding;
+}
+
+TEST(Load, ReadsTextsAroundComments)
+{
+    TestMap map("<Integer Name=\"A\"><Value><!-- a -->1<!-- b -->2<!-- c --></Value></Integer>" +
+                Int("B", "<ToolTip><![CDATA[a < b]]> &amp; c</ToolTip><pValue><!-- x --> A </pValue>") +
+                Knife("<pVariable Name=\"V\">A</pVariable><Formula>V <!-- the half of it --> * 2\n + 1</Formula>"));
+    EXPECT_EQ(map.Int("A"), 12);
+    EXPECT_EQ(map.Int("B"), 12);
+    EXPECT_EQ(map->ToolTip(map["B"]), "a < b & c");
+    EXPECT_EQ(map.Int("K"), 25);
+}
+
+/// Vendors put anything into their extensions, what looks like nodes and properties included.
+TEST(Load, KeepsExtensionsOutOfTheWay)
+{
+    const std::string extension = "<Extension xmlns:v=\"urn:v\"><Value>7</Value><v:Thing a=\"1\">text<b/></v:Thing>"
+                                  "<Integer Name=\"A\"><Value>9</Value><Extension/></Integer><pValue>Gone</pValue>"
+                                  "<EnumEntry Name=\"X\"><Value>5</Value></EnumEntry><IntSwissKnife Name=\"A\"/>"
+                                  "<StructEntry Name=\"A\"/></Extension>";
+    TestMap map(extension + "<Group Comment=\"g\">" + extension + Int("A", extension + "<Value>1</Value>" + extension) +
+                "</Group>" + Reg("IntReg", "R", 0, extension) + "<Enumeration Name=\"E\">" + extension +
+                "<EnumEntry Name=\"X\">" + extension +
+                "<Value>1</Value></EnumEntry><Value>1</Value></Enumeration>"
+                "<StructReg><Address>8</Address><Length>4</Length><pPort>Device</pPort>" +
+                extension + "<StructEntry Name=\"S\"><Bit>0</Bit>" + extension +
+                "</StructEntry></StructReg>"
+                "<Category Name=\"Root\">" +
+                extension + "<pFeature>A</pFeature></Category>");
+    EXPECT_EQ(map.Int("A"), 1);
+    EXPECT_EQ(map.Int("R"), 0);
+    EXPECT_EQ(map.Int("S"), 0);
+    EXPECT_EQ(map->GetEnumText(map["E"]), "X");
+    EXPECT_EQ(map->EntryCount(map["E"]), 1u);
+    EXPECT_EQ(map->Size(), 7u);
+    EXPECT_THAT(map->Notes(), testing::IsEmpty());
+}
+
+TEST(Load, NotesAreBounded)
+{
+    std::string strange;
+    for (int i = 0; i < 300; ++i)
+        strange += "<Colour>red</Colour>";
+    TestMap map(Int("A", "<Value>1</Value>" + strange));
+    EXPECT_EQ(map->Notes().size(), 101u);
+    EXPECT_EQ(map->Notes().back(), "and more");
 }
 
 TEST(Load, ReadsNumbersAsTheyAreWritten)

@@ -73,6 +73,19 @@ TEST(StructReg, EntriesShareTheRegister)
     EXPECT_EQ(map.port.Get<std::uint32_t>(0x20), 0x80000034u);
 }
 
+TEST(StructReg, MayBePlacedByAFormula)
+{
+    TestMap map(
+        "<StructReg><IntSwissKnife Name=\"At\"><pVariable Name=\"I\">Index</pVariable><Formula>I * 0x10</Formula>"
+        "</IntSwissKnife><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>"
+        "<StructEntry Name=\"A\"><Bit>0</Bit></StructEntry><StructEntry Name=\"B\"><Bit>1</Bit></StructEntry>"
+        "</StructReg><Integer Name=\"Index\"><Value>2</Value></Integer>");
+    map.port.Put<std::uint32_t>(0x20, 2);
+    EXPECT_EQ(map.Int("A"), 0);
+    EXPECT_EQ(map.Int("B"), 1);
+    EXPECT_EQ(map->RegisterAddress(map["B"]), 0x20u);
+}
+
 TEST(FloatReg, HoldsBothWidthsInBothByteOrders)
 {
     TestMap map(Reg("FloatReg", "F4", 0) + Reg("FloatReg", "F8", 8, "", 8) +
@@ -143,6 +156,16 @@ TEST(Address, IsTheSumOfItsParts)
     EXPECT_EQ(map->RegisterAddress(map["R"]), 4u + 8 + 0x100);
 }
 
+TEST(Registers, MayTakeAConstantLengthFromANode)
+{
+    TestMap map("<Integer Name=\"Two\"><Value>2</Value></Integer><IntReg Name=\"I\"><Address>0</Address>"
+                "<pLength>Two</pLength><Sign>Signed</Sign></IntReg><MaskedIntReg Name=\"M\"><Address>0</Address>"
+                "<pLength>Two</pLength><Endianess>BigEndian</Endianess><Bit>15</Bit></MaskedIntReg>");
+    map.port.Put<std::uint32_t>(0, 0x0000FFFE);
+    EXPECT_EQ(map.Int("I"), -2);
+    EXPECT_EQ(map.Int("M"), 1);
+}
+
 TEST(Integer, TakesRangeAndStepFromConstantsOrNodes)
 {
     TestMap map(Reg("IntReg", "Raw", 0) + Reg("IntReg", "Max", 4) +
@@ -193,10 +216,50 @@ TEST(Integer, WritesItsCopiesToo)
 
 TEST(Integer, TakesOnlyTheValidValues)
 {
-    TestMap map("<Integer Name=\"V\"><Value>1</Value><ValidValueSet>1; 2;4;8</ValidValueSet></Integer>");
+    TestMap map("<Integer Name=\"V\"><Value>8</Value><Max>20</Max><ValidValueSet>28; 4;8;16;</ValidValueSet></Integer>"
+                "<Integer Name=\"One\"><Value>5</Value><ValidValueSet>5</ValidValueSet></Integer>"
+                "<Integer Name=\"Over\"><pValue>V</pValue></Integer>"
+                "<Float Name=\"F\"><pValue>FReg</pValue><ValidValueSet>0.1;0.5;2</ValidValueSet></Float>" +
+                Reg("FloatReg", "FReg", 0));
     map.Set("V", 4);
-    EXPECT_THAT(ErrorOf([&] { map.Set("V", 3); }), HasSubstr("[V] cannot take 3"));
+    EXPECT_EQ(ErrorOf([&] { map.Set("V", 12); }), "[V] cannot take 12, its valid values are 4, 8, 16, 28");
+    EXPECT_EQ(ErrorOf([&] { map.Set("V", 28); }), "[V] cannot take 28, it is above the maximum 20");
+    EXPECT_EQ(ErrorOf([&] { map.Set("Over", 12); }), "[Over] cannot take 12, its valid values are 4, 8, 16, 28 (at V)");
     EXPECT_EQ(map.Int("V"), 4);
+    EXPECT_EQ(map->IntMin(map["V"]), 4);
+    EXPECT_EQ(map->IntMax(map["V"]), 20);
+    EXPECT_EQ(map->IntInc(map["Over"]), 4) << "the longest step that meets all of them";
+    EXPECT_EQ(map->IntInc(map["One"]), 1);
+    map.SetFloat("F", 0.1);
+    map.SetFloat("F", map.Float("F")); // as the register of 4 bytes gives it
+    EXPECT_EQ(ErrorOf([&] { map.SetFloat("F", 0.11); }), "[F] cannot take 0.11, its valid values are 0.1, 0.5, 2");
+    EXPECT_EQ(map->FloatMax(map["F"]), 2);
+}
+
+TEST(Integer, MayHaveItsValidValuesListedByAnotherNode)
+{
+    TestMap map(
+        "<Enumeration Name=\"Sizes\"><EnumEntry Name=\"S\"><Value>64</Value></EnumEntry><EnumEntry Name=\"M\">"
+        "<Value>32</Value></EnumEntry><EnumEntry Name=\"L\"><pIsAvailable>Large</pIsAvailable><Value>256</Value>"
+        "<NumericValue>2.5</NumericValue></EnumEntry><Value>32</Value></Enumeration>"
+        "<Integer Name=\"Large\"><Value>0</Value></Integer><String Name=\"List\"><Value>3;0x9</Value></String>"
+        "<Integer Name=\"ByEnum\"><Value>32</Value><pValidValueSet>Sizes</pValidValueSet></Integer>"
+        "<Float Name=\"AsFloat\"><Value>32</Value><pValidValueSet>Sizes</pValidValueSet></Float>"
+        "<Integer Name=\"ByText\"><Value>3</Value><pValidValueSet>List</pValidValueSet></Integer>");
+    EXPECT_THAT(map->Notes(), testing::IsEmpty());
+    EXPECT_EQ(map->IntMax(map["ByEnum"]), 64);
+    EXPECT_EQ(map->IntInc(map["ByEnum"]), 32);
+    EXPECT_EQ(ErrorOf([&] { map.Set("ByEnum", 256); }), "[ByEnum] cannot take 256, its valid values are 32, 64");
+    map.Set("Large", 1);
+    map.Set("ByEnum", 256);
+    map.SetFloat("AsFloat", 2.5);
+    map.Set("ByText", 9);
+    EXPECT_EQ(map->IntInc(map["ByText"]), 6);
+    EXPECT_EQ(ErrorOf([&] { map.Set("ByText", 4); }), "[ByText] cannot take 4, its valid values are 3, 9");
+    map->SetString(map["List"], "7;many");
+    EXPECT_EQ(ErrorOf([&] { map.Set("ByText", 7); }), "[ByText] List lists 'many', no number");
+    map->SetString(map["List"], "");
+    map.Set("ByText", 8);
 }
 
 TEST(Float, RoundsHalfAwayFromZeroIntoIntegers)
@@ -327,12 +390,27 @@ TEST(SwissKnife, UsesVariablesConstantsExpressionsAndAttributes)
                 "<SwissKnife Name=\"F\"><pVariable Name=\"V\">W</pVariable><pVariable Name=\"M.Max\">W</pVariable>"
                 "<Constant Name=\"K\">0.5</Constant><Formula>V * K + M.Max</Formula></SwissKnife>"
                 "<IntSwissKnife Name=\"E\"><pVariable Name=\"M\">Mode</pVariable>"
-                "<Formula>(M = M.Entry.B) ? M.Enum.A : 0</Formula></IntSwissKnife>");
+                "<Formula>(M = M.Entry.B) ? M.Enum.A : 0</Formula></IntSwissKnife>"
+                "<SwissKnife Name=\"D\"><pVariable Name=\"Mode.Entry.A\">Mode</pVariable>"
+                "<pVariable Name=\"W.Inc\">W</pVariable><Formula>Mode.Entry.A / 2 + W.Inc</Formula></SwissKnife>");
+    EXPECT_EQ(map.Float("D"), 5.5);
     EXPECT_EQ(map.Int("I"), 10000 + 2 + 80 + 3 + 10);
     EXPECT_EQ(map.Float("F"), 45);
     EXPECT_EQ(map.Int("E"), 5);
     EXPECT_EQ(map->Access(map["I"]), AccessMode::ReadOnly);
     EXPECT_THAT(ErrorOf([&] { map.Set("I", 1); }), HasSubstr("[I] cannot be written, it is read-only"));
+}
+
+TEST(SwissKnife, KeepsAll64BitsOfItsIntegers)
+{
+    TestMap map(
+        Reg("IntReg", "Time", 0, "", 8) +
+        "<SwissKnife Name=\"Seconds\"><pVariable Name=\"T\">Time</pVariable><Formula>(T &amp; 0xFF) / 2</Formula>"
+        "</SwissKnife><SwissKnife Name=\"Same\"><pVariable Name=\"T\">Time</pVariable>"
+        "<Formula>T = 0x7000000000000003 ? T.Inc : T.Max</Formula></SwissKnife>");
+    map.port.Put<std::uint64_t>(0, 0x7000000000000003);
+    EXPECT_EQ(map.Float("Seconds"), 1.5) << "a double would have lost the last bits";
+    EXPECT_EQ(map.Float("Same"), 1);
 }
 
 constexpr const char *mode = "<Enumeration Name=\"Mode\"><EnumEntry Name=\"Off\"><Value>0</Value></EnumEntry>"

@@ -19,7 +19,9 @@ TEST(Attributes, AreWhatTheDescriptionSays)
         "<EventID>9001</EventID><ExposeStatic>Yes</ExposeStatic><Streamable>Yes</Streamable><pValue>Raw</pValue>"
         "<DisplayNotation>Scientific</DisplayNotation><DisplayPrecision>3</DisplayPrecision></Float>" +
         Reg("FloatReg", "Raw", 0, "<Unit>dB</Unit><Representation>Logarithmic</Representation>") +
-        "<Float Name=\"Over\"><ExposeStatic>No</ExposeStatic><pValue>Gain</pValue></Float>");
+        "<Float Name=\"Over\"><ExposeStatic>No</ExposeStatic><pValue>Gain</pValue></Float>"
+        "<Float Name=\"Hidden\" ExposeStatic=\"No\"><pValue>Gain</pValue></Float>");
+    EXPECT_FALSE(map->IsExposedStatic(map["Hidden"]));
     const NodeId gain = map["Gain"], raw = map["Raw"], over = map["Over"];
     EXPECT_EQ(map->Notation(over), DisplayNotation::Scientific) << "that of the node which holds the value";
     EXPECT_EQ(map->DisplayPrecision(over), 3);
@@ -111,6 +113,20 @@ TEST(OtherKinds, AreTolerated)
     EXPECT_EQ(map.Int("I"), 3);
     EXPECT_THAT(map->Notes(), ElementsAre(HasSubstr("line 3: [F] the kind FancyKind is not known"),
                                           HasSubstr("line 3: [I] Colour is not known of Integer")));
+}
+
+TEST(OtherKinds, OfAnotherBusCanBeReferredTo)
+{
+    TestMap map(
+        "<SmartFeature Name=\"Smart\"><FeatureID>0x12</FeatureID></SmartFeature><IntKey Name=\"Key\"><Key>3</Key>"
+        "</IntKey>" +
+        Reg("IntReg", "R", 4, "<pAddress>Smart</pAddress>") + "<Integer Name=\"I\"><pValue>Key</pValue></Integer>");
+    EXPECT_EQ(map->Access(map["Smart"]), AccessMode::NotImplemented);
+    EXPECT_EQ(map->Access(map["R"]), AccessMode::NotAvailable);
+    EXPECT_EQ(map->Access(map["I"]), AccessMode::NotImplemented);
+    EXPECT_EQ(ErrorOf([&] { map.Int("I"); }), "[I] cannot be read, it is not implemented");
+    EXPECT_THAT(ErrorOf([&] { map->RegisterAddress(map["R"]); }), HasSubstr("is a node of kind SmartFeature"));
+    EXPECT_THAT(map->Notes(), IsEmpty());
 }
 
 constexpr const char *eventNodes =

@@ -29,6 +29,7 @@ constexpr struct {
     {Role::Variable,      Write,  Value},
     {Role::VariableLimit, Value,  Range},  {Role::VariableLimit, Range, Range}, {Role::VariableLimit, Write, Range},
     {Role::Limit,         Range,  Value},
+    {Role::ValidSet,      Range,  Write},
     {Role::Condition,     Access, Value},
     {Role::Address,       Value,  Value},  {Role::Address,   Access, Access}, {Role::Address,   Write,  Value},
     {Role::Port,          Access, Access},

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 
 namespace Orvi::GenApi {
 
@@ -61,7 +62,20 @@ std::size_t Utf8Length(std::string_view text)
     return std::ranges::all_of(text.substr(1, length - 1), isRest) ? length : 0;
 }
 
-bool DeclaresLatin1(std::string_view xml)
+/// What Windows-1252 has where ISO 8859-1 has control characters; five bytes are left to these.
+constexpr std::uint16_t windows[] = {
+    // clang-format off
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
+    0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
+    // clang-format on
+};
+
+std::uint32_t FromWindows(std::uint32_t byte)
+{
+    return byte >= 0x80 && byte < 0x80 + std::size(windows) ? windows[byte - 0x80] : byte;
+}
+
+bool DeclaresSingleBytes(std::string_view xml)
 {
     const std::string_view declaration = xml.substr(0, xml.find("?>"));
     return declaration.starts_with("<?xml") &&
@@ -79,17 +93,17 @@ std::optional<std::string> ToUtf8(std::string_view xml)
         return FromUtf16(xml, true);
     if (std::ranges::none_of(xml, [](char c) { return Byte(c) >= 0x80; }))
         return std::nullopt;
-    const bool latin1 = DeclaresLatin1(xml);
+    const bool singleBytes = DeclaresSingleBytes(xml);
     std::string text;
     bool changed = false;
     for (std::size_t at = 0; at < xml.size();) {
-        const std::size_t length = latin1 ? 0 : Utf8Length(xml.substr(at));
+        const std::size_t length = singleBytes ? 0 : Utf8Length(xml.substr(at));
         if (length != 0) {
             text += xml.substr(at, length);
             at += length;
         } else {
             changed |= Byte(xml[at]) >= 0x80;
-            Append(text, Byte(xml[at++]));
+            Append(text, FromWindows(Byte(xml[at++])));
         }
     }
     return changed ? std::optional(std::move(text)) : std::nullopt;

@@ -31,6 +31,7 @@ struct FormulaName {
     unsigned variable = 0;
     Cell constant{};
     std::string_view expression{}; ///< compiled in place
+    bool integer = false;          ///< a variable that is an int64 in a formula of either arithmetic
 };
 
 class FormulaNames {
@@ -41,8 +42,8 @@ class FormulaNames {
     ~FormulaNames() = default;
 };
 
-/// Gives the variables while a formula runs, as int64 or double by the formula's arithmetic; only those that are
-/// needed.
+/// Gives the variables while a formula runs, only those that are needed: as double in a formula of doubles, unless its
+/// name says that it is an integer, else as int64.
 class FormulaVariables {
   public:
     virtual Cell Load(unsigned variable) = 0;

@@ -220,7 +220,7 @@ class Compiler {
             switch (known->kind) {
             case FormulaName::Kind::Variable:
                 Emit(Op::Load, 1, known->variable);
-                return arithmetic_ == Arithmetic::Integer ? Type::Int : Type::Float;
+                return known->integer || arithmetic_ == Arithmetic::Integer ? Type::Int : Type::Float;
             case FormulaName::Kind::Integer:
                 return Push(known->constant, Type::Int);
             case FormulaName::Kind::Float:

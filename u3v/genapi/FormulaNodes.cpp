@@ -73,6 +73,7 @@ void SwissKnifeNode<T>::SetValue(Run &run, T)
 template <class T>
 AccessMode SwissKnifeNode<T>::ValueAccess(Run &run)
 {
+    run.map.Step(run, *this);
     return part_.IsReadableNow(run) ? AccessMode::ReadOnly : AccessMode::NotAvailable;
 }
 
@@ -186,6 +187,7 @@ std::optional<T> ConverterNode<T>::ValueInc(Run &run)
 template <class T>
 AccessMode ConverterNode<T>::ValueAccess(Run &run)
 {
+    run.map.Step(run, *this);
     return part_.IsReadableNow(run) ? value_->Access(run) : AccessMode::NotAvailable;
 }
 

@@ -40,8 +40,6 @@ class ConverterNode final : public NumberNode<T> {
     void SetValue(Run &run, T value) override;
     Limits<T> ValueLimits(Run &run) override;
     std::optional<T> ValueInc(Run &run) override;
-    /// A value between two steps is written as the nearest one.
-    void Check(Run &run, T value) override { this->CheckRange(run, value, ValueLimits(run)); }
     AccessMode ValueAccess(Run &run) override;
 
   private:

@@ -27,8 +27,7 @@ T Load(const FormulaPart::Variable &variable, Run &run)
         return LimitsOf<T>(*variable.node, run).max;
     case What::Inc:
         if constexpr (std::is_same_v<T, double>)
-            return variable.node->Type() == NodeType::Integer ? static_cast<double>(variable.node->IntInc(run))
-                                                              : variable.node->FloatInc(run).value_or(0);
+            return variable.node->FloatInc(run).value_or(0);
         else
             return variable.node->IntInc(run);
     default:
@@ -52,15 +51,13 @@ std::optional<What> FindAttribute(std::string_view suffix)
     return std::nullopt;
 }
 
-/// "Entry.Mono8" of an enumeration is that entry's number.
-std::optional<std::int64_t> FindEntryNumber(const Node &node, std::string_view suffix)
+/// "Entry.Mono8" or "Enum.Mono8" of an enumeration asks for that entry's number; the name of the entry, or nothing.
+std::string_view EntryAskedFor(const Node &node, std::string_view suffix)
 {
-    for (const std::string_view word : {"Entry.", "Enum."})
-        if (suffix.starts_with(word))
-            if (const auto *choice = dynamic_cast<const EnumerationNode *>(&node))
-                if (const EnumEntryNode *entry = choice->FindSymbol(suffix.substr(word.size())))
-                    return entry->Number();
-    return std::nullopt;
+    const std::size_t dot = suffix.find('.');
+    const std::string_view word = suffix.substr(0, dot);
+    const bool asks = dot != suffix.npos && (word == "Entry" || word == "Enum") && node.Type() == NodeType::Enumeration;
+    return asks ? suffix.substr(dot + 1) : std::string_view();
 }
 
 } // namespace
@@ -96,8 +93,8 @@ class FormulaPart::Values final : public FormulaVariables {
         if (variable == argumentIndex)
             return argument_;
         const Variable &row = part_.variables_[variable];
-        return arithmetic_ == Arithmetic::Float ? MakeCell(GenApi::Load<double>(row, run_))
-                                                : MakeCell(GenApi::Load<std::int64_t>(row, run_));
+        return arithmetic_ == Arithmetic::Float && !row.isInteger ? MakeCell(GenApi::Load<double>(row, run_))
+                                                                  : MakeCell(GenApi::Load<std::int64_t>(row, run_));
     }
 
   private:
@@ -157,18 +154,26 @@ std::optional<FormulaName> FormulaPart::LookVariable(std::string_view name)
         if (variable.name != name && variable.name != base)
             continue;
         if (suffix.empty())
-            return FormulaName{FormulaName::Kind::Variable, i};
-        if (const auto number = FindEntryNumber(*variable.node, suffix))
-            return FormulaName{FormulaName::Kind::Integer, 0, {.i = *number}};
+            return VariableName(i);
+        if (const std::string_view symbol = EntryAskedFor(*variable.node, suffix); !symbol.empty()) {
+            const EnumEntryNode *entry = static_cast<const EnumerationNode &>(*variable.node).FindSymbol(symbol);
+            if (entry == nullptr)
+                return std::nullopt;
+            return FormulaName{FormulaName::Kind::Integer, 0, {.i = entry->Number()}};
+        }
         const auto what = FindAttribute(suffix);
         if (!what && variable.name == name) // its own name has a dot
-            return FormulaName{FormulaName::Kind::Variable, i};
+            return VariableName(i);
         if (!what)
             return std::nullopt;
-        return FormulaName{FormulaName::Kind::Variable,
-                           variable.what == *what ? i : AddVariable({name, variable.node, *what})};
+        return VariableName(variable.what == *what ? i : AddVariable({name, variable.node, *what}));
     }
     return std::nullopt;
+}
+
+FormulaName FormulaPart::VariableName(unsigned variable) const
+{
+    return {FormulaName::Kind::Variable, variable, {}, {}, variables_[variable].isInteger};
 }
 
 unsigned FormulaPart::AddVariable(Variable variable)
@@ -194,7 +199,8 @@ void FormulaPart::Explain(Run &run, const Node &node, const Formula &formula, co
 {
     std::string with = argument;
     for (const Variable &variable : variables_)
-        with += (with.empty() ? "" : ", ") + std::string(variable.name) + " = " + Text(Load<double>(variable, run));
+        with += (with.empty() ? "" : ", ") + std::string(variable.name) + " = " +
+                (variable.isInteger ? Text(Load<std::int64_t>(variable, run)) : Text(Load<double>(variable, run)));
     node.Fail(run, Say(error.what(), ", formula ", formula.Text(), (with.empty() ? "" : " with " + with)));
 }
 

@@ -34,6 +34,8 @@ class FormulaPart {
         std::string_view name;
         Node *node;
         What what;
+
+        bool isInteger = node->Type() != NodeType::Float && node->Type() != NodeType::EnumEntry;
     };
 
     bool Take(const Property &property, Arithmetic arithmetic);
@@ -62,6 +64,7 @@ class FormulaPart {
     };
 
     std::optional<FormulaName> LookVariable(std::string_view name);
+    FormulaName VariableName(unsigned variable) const;
     unsigned AddVariable(Variable variable);
 
     std::vector<Variable> variables_;

@@ -38,12 +38,12 @@ constexpr Kind kinds[] = {
     {"Register",       NodeType::Register,    Make<BytesNode>},
     {"Port",           NodeType::Port,        Make<PortNode>},
     {"Node",           NodeType::Base,        Make<PlainNode>},
-    {"AdvFeatureLock", NodeType::Base,        Make<PlainNode>},
-    {"SmartFeature",   NodeType::Base,        Make<PlainNode>},
-    {"ConfRom",        NodeType::Base,        Make<PlainNode>},
-    {"TextDesc",       NodeType::Base,        Make<PlainNode>},
-    {"IntKey",         NodeType::Base,        Make<PlainNode>},
-    {"DcamLock",       NodeType::Base,        Make<PlainNode>},
+    {"AdvFeatureLock", NodeType::Base,        Make<OtherBusNode>},
+    {"SmartFeature",   NodeType::Base,        Make<OtherBusNode>},
+    {"ConfRom",        NodeType::Base,        Make<OtherBusNode>},
+    {"TextDesc",       NodeType::Base,        Make<OtherBusNode>},
+    {"IntKey",         NodeType::Base,        Make<OtherBusNode>},
+    {"DcamLock",       NodeType::Base,        Make<OtherBusNode>},
     // clang-format on
 };
 
@@ -51,6 +51,8 @@ constexpr Kind kinds[] = {
 
 // Made with its symbol, by the loader.
 const Kind enumEntryKind = {"EnumEntry", NodeType::EnumEntry, nullptr};
+
+bool IsOfOtherBus(const Node &node) { return node.Type() == NodeType::Base && node.KindName() != "Node"; }
 
 const Kind *FindKind(std::string_view element)
 {

@@ -37,10 +37,11 @@ constexpr bool NeedsNumber(Role role)
     }
 }
 
-constexpr bool HasNumber(NodeType type)
+bool HasNumber(const Node &node)
 {
+    const NodeType type = node.Type();
     return type == NodeType::Integer || type == NodeType::Float || type == NodeType::Boolean ||
-           type == NodeType::Enumeration || type == NodeType::EnumEntry;
+           type == NodeType::Enumeration || type == NodeType::EnumEntry || IsOfOtherBus(node);
 }
 
 } // namespace
@@ -114,9 +115,12 @@ void Loader::Collect(pugi::xml_node parent, unsigned nesting)
         if (element.type() != pugi::node_element)
             continue;
         const std::string_view kindName = element.name();
-        if (kindName == "Group") {
+        if (kindName == "Extension") {
+            continue; // the vendor's own elements, whatever they are called
+        } else if (kindName == "Group") {
             Collect(element, nesting + 1);
         } else if (kindName == "StructReg") {
+            CollectFormulas(element);
             for (const pugi::xml_node entry : element.children("StructEntry"))
                 Make(*FindKind("StructEntry"), entry, element);
         } else if (const Kind *kind = FindKind(kindName); kind != nullptr && kindName != "StructEntry") {
@@ -127,7 +131,7 @@ void Loader::Collect(pugi::xml_node parent, unsigned nesting)
     }
 }
 
-/// Nodes that stand inside others: entries, and formulas of addresses.
+/// Nodes that stand inside others.
 void Loader::CollectInner(pugi::xml_node element, Node &node)
 {
     if (auto *const enumeration = dynamic_cast<EnumerationNode *>(&node)) {
@@ -136,8 +140,14 @@ void Loader::CollectInner(pugi::xml_node element, Node &node)
             enumeration->AddEntry(entry);
             AddLink(node, entry, Role::Entry);
         }
-        return;
+    } else {
+        CollectFormulas(element);
     }
+}
+
+/// Those of addresses.
+void Loader::CollectFormulas(pugi::xml_node element)
+{
     for (const pugi::xml_node formula : element.children("IntSwissKnife"))
         inner_.emplace(formula.hash_value(), &Make(*FindKind("IntSwissKnife"), formula));
 }
@@ -177,6 +187,8 @@ void Loader::Add(Node *node, pugi::xml_node element, pugi::xml_node outer)
 
 void Loader::TakeProperties(Node &node, pugi::xml_node element)
 {
+    if (const pugi::xml_attribute exposed = element.attribute("ExposeStatic"))
+        node.SetExposedStatic(exposed.value() != std::string_view("No"));
     for (const pugi::xml_node child : element.children()) {
         if (child.type() != pugi::node_element)
             continue;
@@ -184,7 +196,7 @@ void Loader::TakeProperties(Node &node, pugi::xml_node element)
         if (prop == Prop::StructEntry)
             continue;
         const bool taken = prop && node.Take(Property(*prop, child, node, *this));
-        if (!taken && node.Type() != NodeType::Base)
+        if (!taken && !IsOfOtherBus(node))
             Note(child, Say("[", node.Name(), "] ", child.name(), " is not known of ", node.KindName()));
     }
 }
@@ -207,7 +219,7 @@ void Loader::CheckTargets() const
 {
     for (const auto &node : state_.nodes)
         for (const Link &link : node->Links())
-            if (NeedsNumber(link.role) && !HasNumber(link.target->Type()) && node->Type() != NodeType::String)
+            if (NeedsNumber(link.role) && !HasNumber(*link.target) && node->Type() != NodeType::String)
                 FailLoading(*this, *node,
                             Say("needs a number of ", link.target->Name(), ", which is a ", link.target->KindName()));
 }
@@ -220,8 +232,11 @@ Node *Loader::InnerNode(pugi::xml_node element) const
 
 void Loader::Note(pugi::xml_node element, const std::string &text)
 {
-    if (table_.description.notes.size() < maxNotes)
-        table_.description.notes.push_back("line " + std::to_string(LineOf(element)) + ": " + text);
+    std::vector<std::string> &notes = table_.description.notes;
+    if (notes.size() < maxNotes)
+        notes.push_back("line " + std::to_string(LineOf(element)) + ": " + text);
+    else if (notes.size() == maxNotes)
+        notes.push_back("and more");
 }
 
 std::size_t Loader::LineOf(pugi::xml_node element) const { return LineAt(element.offset_debug()); }

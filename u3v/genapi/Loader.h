@@ -29,6 +29,8 @@ struct NodeTable {
 };
 
 const Kind *FindKind(std::string_view element);
+/// SmartFeature and the like. Nodes may refer to them, and are not implemented then.
+bool IsOfOtherBus(const Node &node);
 extern const Kind enumEntryKind;
 
 class Loader {
@@ -58,6 +60,7 @@ class Loader {
     void ReadHead(pugi::xml_node root);
     void Collect(pugi::xml_node parent, unsigned nesting);
     void CollectInner(pugi::xml_node element, Node &node);
+    void CollectFormulas(pugi::xml_node element);
     Node &Make(const Kind &kind, pugi::xml_node element, pugi::xml_node outer = {});
     Node &MakeEntry(pugi::xml_node element, const Node &owner);
     void Add(Node *node, pugi::xml_node element, pugi::xml_node outer);

@@ -15,6 +15,7 @@ constexpr bool CarriesValue(Role role)
     case Role::Variable:
     case Role::VariableLimit:
     case Role::Limit:
+    case Role::ValidSet:
     case Role::Address:
     case Role::Condition:
         return true;
@@ -163,7 +164,8 @@ MapState::Stale MapState::FindStale(Node &source)
 
 void MapState::Changed(Node &node)
 {
-    stale_.resize(nodes.size());
+    if (stale_.empty())
+        stale_.resize(nodes.size());
     auto &stale = stale_[node.Id()];
     if (!stale)
         stale = std::make_unique<const Stale>(FindStale(node));

@@ -27,7 +27,8 @@ class MapState {
 
     std::chrono::milliseconds Now() const;
 
-    /// Counts one step of the present call. Formulas that use each other twice over many levels would never end.
+    /// Counts one step of the present call. Nodes that use each other twice over many levels would never end: every
+    /// node that asks more than one other counts a step.
     void Step(const Run &run, const Node &node)
     {
         if (++steps_ > maxSteps)

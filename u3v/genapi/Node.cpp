@@ -6,8 +6,6 @@
 #include "u3v/genapi/Say.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 
 namespace Orvi::GenApi {
 
@@ -52,18 +50,18 @@ bool Node::Take(const Property &property)
     case Prop::Representation:    said_.representation = property.OneOf<Representation>(representationNames); return true;
     case Prop::DisplayNotation:   said_.displayNotation = property.OneOf<DisplayNotation>(notationNames); return true;
     case Prop::DisplayPrecision:  AddMore().displayPrecision = static_cast<std::int16_t>(std::clamp<std::int64_t>(property.Int(), 0, 999)); return true;
-    case Prop::ImposedAccessMode: said_.imposed = property.OneOf<AccessMode>(accessNames); return true;
+    case Prop::ImposedAccessMode: said_.imposed = property.OneOf<AccessMode>(accessNames); conditional_ = true; return true;
     case Prop::Streamable:        said_.streamable = property.YesNo(); return true;
     case Prop::IsDeprecated:      said_.deprecated = property.YesNo(); return true;
-    case Prop::pIsImplemented:    implemented_ = property.Target(Role::Condition); return true;
-    case Prop::pIsAvailable:      available_ = property.Target(Role::Condition); return true;
-    case Prop::pIsLocked:         locked_ = property.Target(Role::Condition); return true;
+    case Prop::pIsImplemented:    implemented_ = Condition(property); return true;
+    case Prop::pIsAvailable:      available_ = Condition(property); return true;
+    case Prop::pIsLocked:         locked_ = Condition(property); return true;
     case Prop::pError:            AddMore().error = property.Target(Role::Error); return true;
     case Prop::pInvalidator:      property.Target(Role::Invalidator); return true;
     case Prop::pSelected:         property.Target(Role::Selected); return true;
     case Prop::pAlias:            property.Target(Role::Alias); return true;
     case Prop::pCastAlias:        property.Target(Role::CastAlias); return true;
-    case Prop::ExposeStatic:      said_.exposedStatic = property.YesNo(); return true;
+    case Prop::ExposeStatic:      SetExposedStatic(property.YesNo()); return true;
     case Prop::PollingTime:       AddMore().pollingTime = static_cast<std::uint32_t>(std::clamp<std::int64_t>(property.Int(), 0, ~0u)); return true;
     case Prop::pBlockPolling:     property.Target(Role::BlockPolling); return true;
     // The vendor's own elements; and a node without a register is as cachable as what it is made of.
@@ -74,9 +72,15 @@ bool Node::Take(const Property &property)
     }
 }
 
+Node *Node::Condition(const Property &property)
+{
+    conditional_ = true;
+    return property.Target(Role::Condition);
+}
+
 AccessMode Node::ValueAccess(Run &) { return AccessMode::ReadOnly; }
 
-AccessMode Node::Access(Run &run)
+AccessMode Node::AccessUnderConditions(Run &run)
 {
     run.map.Step(run, *this);
     if (implemented_ && implemented_->GetInt(run) == 0)
@@ -177,26 +181,6 @@ std::int64_t RoundToInt(const Run &run, const Node &node, double value)
     if (const auto rounded = RoundToInt64(value))
         return *rounded;
     node.Fail(run, Say("cannot take ", Text(value), ", it fits no 64-bit integer"));
-}
-
-std::string Text(double value)
-{
-    char digits[40];
-    // The shortest form of 200000 would be 2e+05.
-    const double size = std::fabs(value);
-    const bool plain = value == 0 || (size >= 1e-4 && size < 1e15);
-    const auto result = plain ? std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed)
-                              : std::to_chars(digits, digits + sizeof digits, value);
-    return {digits, result.ptr};
-}
-
-std::string Text(std::int64_t value) { return std::to_string(value); }
-
-std::string Hex(std::uint64_t value)
-{
-    char digits[20];
-    const auto result = std::to_chars(digits, digits + sizeof digits, value, 16);
-    return "0x" + std::string(digits, result.ptr);
 }
 
 } // namespace Orvi::GenApi

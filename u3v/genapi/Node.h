@@ -4,6 +4,7 @@
 
 #include "u3v/genapi/Error.h"
 #include "u3v/genapi/NodeTypes.h"
+#include "u3v/genapi/NumberText.h"
 
 #include <cstddef>
 #include <memory>
@@ -38,6 +39,7 @@ enum class Role : std::uint8_t {
     Variable,      ///< in its formula
     VariableLimit, ///< limits of it in its formula
     Limit,         ///< minimum, maximum, increment
+    ValidSet,      ///< the values that may be set
     Condition,     ///< implemented, available, locked
     Address,       ///< address and length of its register
     Port,          ///< carries its register
@@ -113,13 +115,11 @@ class Node {
     /// Called when all properties are taken.
     virtual void Finish(Loader &) {}
     void SetFeature() { said_.feature = true; }
-    bool HasConditions() const
-    {
-        return implemented_ || available_ || locked_ || said_.imposed != AccessMode::ReadWrite;
-    }
+    void SetExposedStatic(bool exposed) { said_.exposedStatic = exposed; }
+    bool HasConditions() const { return conditional_; }
 
     /// What may be done now, through the whole chain.
-    AccessMode Access(Run &run);
+    AccessMode Access(Run &run) { return conditional_ ? AccessUnderConditions(run) : ValueAccess(run); }
     /// Why Access() is what it is, for messages: "not available now (GainAvailable is 0)".
     std::string DescribeAccess(Run &run);
     // Conditions are asked of the cache also where the value is not.
@@ -158,8 +158,11 @@ class Node {
     const Kind *kind_;
     static const FeatureAttributes noMore;
     FeatureAttributes &AddMore();
+    AccessMode AccessUnderConditions(Run &run);
+    Node *Condition(const Property &property);
 
     Attributes said_;
+    bool conditional_ = false; ///< one of these three, or an imposed mode
     Node *implemented_ = nullptr, *available_ = nullptr, *locked_ = nullptr;
     std::unique_ptr<FeatureAttributes> more_;
     std::span<const Link> links_; ///< of all nodes in one place
@@ -167,10 +170,5 @@ class Node {
 
 /// Rounds half away from zero, or refuses.
 std::int64_t RoundToInt(const Run &run, const Node &node, double value);
-
-/// Number in a message: no more digits than needed.
-std::string Text(double value);
-std::string Text(std::int64_t value);
-std::string Hex(std::uint64_t value);
 
 } // namespace Orvi::GenApi

@@ -2,7 +2,6 @@
 
 #include "u3v/core/Status.h"
 #include "u3v/genapi/NodeMapContent.h"
-#include "u3v/genapi/PlainNodes.h"
 #include "u3v/genapi/PortNode.h"
 
 namespace Orvi::GenApi {
@@ -109,13 +108,13 @@ std::string NodeMap::DescribeAccess(NodeId id) const
 
 const std::vector<NodeId> &NodeMap::Features(NodeId category) const
 {
-    return Call(*this, category).As<CategoryNode>("a category").Features();
+    return Call(*this, category).Category().Features();
 }
 
 NodeId NodeMap::Feature(NodeId category, std::uint32_t index) const
 {
     Call call(*this, category);
-    const auto &features = call.As<CategoryNode>("a category").Features();
+    const auto &features = call.Category().Features();
     call.CheckIndex(index, features.size(), "features");
     return features[index];
 }

@@ -5,6 +5,7 @@
 #include "u3v/genapi/Loader.h"
 #include "u3v/genapi/MapState.h"
 #include "u3v/genapi/NodeMap.h"
+#include "u3v/genapi/PlainNodes.h"
 #include "u3v/genapi/RegisterNodes.h"
 #include "u3v/genapi/Say.h"
 
@@ -42,18 +43,29 @@ struct NodeMap::Call {
     Call &Float()       { return Is(NodeType::Float, "a float"); }
     Call &Boolean()     { return Is(NodeType::Boolean, "a boolean"); }
     Call &String()      { return Is(NodeType::String, "a string"); }
-    Call &Enumeration() { return Is(NodeType::Enumeration, "an enumeration"); }
     // clang-format on
+    /// For the types that one class alone implements.
     template <class T>
-    T &As(std::string_view wanted)
+    T &As(NodeType type, std::string_view wanted)
     {
-        if (auto *const wantedNode = dynamic_cast<T *>(&node))
-            return *wantedNode;
-        node.FailKind(run, wanted);
+        return static_cast<T &>(Is(type, wanted).node);
     }
-    EnumerationNode &Choice() { return As<EnumerationNode>("an enumeration"); }
-    EnumEntryNode &ChoiceEntry() { return As<EnumEntryNode>("an entry of an enumeration"); }
-    RegisterNode &Register() { return As<RegisterNode>("a register"); }
+    EnumerationNode &Choice() { return As<EnumerationNode>(NodeType::Enumeration, "an enumeration"); }
+    EnumerationNode &ReadableChoice()
+    {
+        EnumerationNode &choice = Choice();
+        node.RequireReadable(run);
+        return choice;
+    }
+    EnumEntryNode &ChoiceEntry() { return As<EnumEntryNode>(NodeType::EnumEntry, "an entry of an enumeration"); }
+    CommandNode &Command() { return As<CommandNode>(NodeType::Command, "a command"); }
+    CategoryNode &Category() { return As<CategoryNode>(NodeType::Category, "a category"); }
+    RegisterNode &Register()
+    {
+        if (auto *const reg = dynamic_cast<RegisterNode *>(&node))
+            return *reg;
+        node.FailKind(run, "a register");
+    }
 
     Call &Readable()
     {

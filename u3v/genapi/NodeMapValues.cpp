@@ -81,14 +81,14 @@ void NodeMap::SetBool(NodeId id, bool value, Verify verify)
 void NodeMap::Execute(NodeId id, Verify verify)
 {
     Call call(*this, id, verify);
-    auto &command = call.As<CommandNode>("a command");
+    CommandNode &command = call.Command();
     call.Write([&] { command.Execute(call.run); });
 }
 
 bool NodeMap::IsDone(NodeId id, ReadOptions options) const
 {
     Call call(*this, id, options);
-    return call.As<CommandNode>("a command").IsDone(call.run);
+    return call.Command().IsDone(call.run);
 }
 
 std::string NodeMap::GetString(NodeId id, ReadOptions options) const
@@ -119,32 +119,34 @@ NodeId NodeMap::Entry(NodeId id, std::uint32_t index) const
 NodeId NodeMap::CurrentEntry(NodeId id, ReadOptions options) const
 {
     Call call(*this, id, options);
-    return call.Enumeration().Readable().Choice().Current(call.run).Id();
+    return call.ReadableChoice().Current(call.run).Id();
 }
 
 std::int64_t NodeMap::GetEnumInt(NodeId id, ReadOptions options) const
 {
     Call call(*this, id, options);
-    EnumerationNode &choice = call.Enumeration().Readable().Choice();
+    EnumerationNode &choice = call.ReadableChoice();
     return options.verify ? choice.Current(call.run).Number() : choice.GetInt(call.run);
 }
 
 void NodeMap::SetEnumInt(NodeId id, std::int64_t value, Verify verify)
 {
     Call call(*this, id, verify);
-    call.Enumeration().Write([&] { call.node.SetInt(call.run, value); });
+    EnumerationNode &choice = call.Choice();
+    call.Write([&] { choice.SetInt(call.run, value); });
 }
 
 std::string_view NodeMap::GetEnumText(NodeId id, ReadOptions options) const
 {
     Call call(*this, id, options);
-    return call.Enumeration().Readable().Choice().Current(call.run).Symbol();
+    return call.ReadableChoice().Current(call.run).Symbol();
 }
 
 void NodeMap::SetEnumText(NodeId id, std::string_view symbol, Verify verify)
 {
     Call call(*this, id, verify);
-    call.Enumeration().Write([&] { call.node.SetText(call.run, symbol); });
+    EnumerationNode &choice = call.Choice();
+    call.Write([&] { choice.SetText(call.run, symbol); });
 }
 
 std::int64_t NodeMap::EntryInt(NodeId entry) const { return Call(*this, entry).ChoiceEntry().Number(); }

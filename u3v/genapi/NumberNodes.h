@@ -86,13 +86,20 @@ class NumberNode : public Node {
     virtual void SetValue(Run &run, T value) = 0;
     virtual Limits<T> ValueLimits(Run &) { return noLimits<T>; }
     virtual std::optional<T> ValueInc(Run &) { return std::nullopt; }
-    /// Refuses what is out of range or between two steps. Kinds that leave that to what is below override it.
-    virtual void Check(Run &run, T value);
+    /// Refuses what is out of range. Kinds that have steps or sets of values, or leave the range to what is below,
+    /// override it.
+    virtual void Check(Run &run, T value) { CheckRange(run, value, ValueLimits(run)); }
 
-    void CheckRange(const Run &run, T value, Limits<T> limits) const;
+    void CheckRange(const Run &run, T value, Limits<T> limits) const
+    {
+        if (!(value >= limits.min && value <= limits.max))
+            FailRange(run, value, limits);
+    }
     void CheckInc(const Run &run, T value, T min, T inc) const;
 
   private:
+    [[noreturn]] void FailRange(const Run &run, T value, Limits<T> limits) const;
+    [[noreturn]] void FailInc(const Run &run, T value, T min, T inc, T below) const;
     void Set(Run &run, T value)
     {
         Check(run, value);
@@ -107,6 +114,22 @@ class NumberNode : public Node {
     }
 };
 
+template <class T>
+void NumberNode<T>::CheckInc(const Run &run, T value, T min, T inc) const
+{
+    if (inc <= 0)
+        return;
+    if constexpr (std::is_same_v<T, double>) {
+        const double steps = (value - min) / inc;
+        if (std::fabs(steps - std::round(steps)) >= 1e-6)
+            FailInc(run, value, min, inc, min + std::floor(steps) * inc);
+    } else {
+        const std::uint64_t distance = static_cast<std::uint64_t>(value) - static_cast<std::uint64_t>(min);
+        if (const std::uint64_t rest = distance % static_cast<std::uint64_t>(inc); rest != 0)
+            FailInc(run, value, min, inc, static_cast<T>(static_cast<std::uint64_t>(value) - rest));
+    }
+}
+
 /// Integer and Float.
 template <class T>
 class ValueNode final : public NumberNode<T> {
@@ -115,6 +138,11 @@ class ValueNode final : public NumberNode<T> {
 
     bool Take(const Property &property) override;
     void Finish(Loader &loader) override;
+    /// Its value, when the description gives it and no other node.
+    std::optional<T> Constant() const
+    {
+        return value_.given && !value_.node && !(rare_ && rare_->index) ? std::optional(value_.constant) : std::nullopt;
+    }
 
   protected:
     T Value(Run &run) override { return Current(run).Get(run); }
@@ -136,10 +164,14 @@ class ValueNode final : public NumberNode<T> {
         std::vector<Indexed> indexed;
         Source<T> otherwise;
         std::vector<Node *> copies;
-        std::vector<T> validValues;
+        std::vector<T> valid;     ///< the values that alone may be set, if the description lists them
+        Node *validSet = nullptr; ///< or who does
     };
 
     bool TakeRare(const Property &property);
+    bool HasValidSet() const { return rare_ && (rare_->validSet || !rare_->valid.empty()); }
+    std::vector<T> ValidValues(Run &run);
+    void CheckValid(Run &run, T value);
     Source<T> &Current(Run &run) { return rare_ && rare_->index ? Chosen(run) : value_; }
     Source<T> &Chosen(Run &run);
     Node *Below(Run &run) { return Current(run).node; }

@@ -34,11 +34,19 @@ class StringNode final : public Node {
     bool given_ = false;
 };
 
-/// Node, AdvFeatureLock, SmartFeature, ConfRom and the like: they have a name and attributes, their own properties
-/// are not used.
+/// Node: a name and attributes.
 class PlainNode final : public Node {
   public:
     using Node::Node;
+};
+
+/// AdvFeatureLock, SmartFeature, ConfRom and the like, of cameras on another bus: their own properties are not used.
+class OtherBusNode final : public Node {
+  public:
+    using Node::Node;
+
+  protected:
+    AccessMode ValueAccess(Run &) override { return AccessMode::NotImplemented; }
 };
 
 } // namespace Orvi::GenApi

@@ -13,7 +13,7 @@ namespace {
 constexpr bool IsMadeOf(Role role)
 {
     return role == Role::Value || role == Role::Index || role == Role::Variable || role == Role::VariableLimit ||
-           role == Role::Limit;
+           role == Role::Limit || role == Role::ValidSet;
 }
 
 class Spreading {

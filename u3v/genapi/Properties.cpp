@@ -3,31 +3,7 @@
 #include "u3v/genapi/Loader.h"
 #include "u3v/genapi/Say.h"
 
-#include <charconv>
-#include <limits>
-
 namespace Orvi::GenApi {
-
-namespace {
-
-std::string_view Trim(std::string_view text)
-{
-    constexpr std::string_view blanks = " \t\r\n";
-    const std::size_t first = text.find_first_not_of(blanks);
-    return first == text.npos ? std::string_view() : text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
-
-template <class T, class... Format>
-bool Parse(std::string_view text, T &value, Format... format)
-{
-    const char *const end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, value, format...);
-    return result.ec == std::errc() && result.ptr == end && !text.empty();
-}
-
-bool HasHexPrefix(std::string_view text) { return text.starts_with("0x") || text.starts_with("0X"); }
-
-} // namespace
 
 std::optional<Prop> FindProperty(std::string_view name)
 {
@@ -42,29 +18,19 @@ std::optional<Prop> FindProperty(std::string_view name)
     return found == table->end() ? std::nullopt : std::optional(found->second);
 }
 
-std::string_view Property::Text() const { return Trim(element_.child_value()); }
+std::string_view Property::Text() const
+{
+    // A comment splits a text into pieces.
+    const pugi::xml_node first = element_.first_child();
+    if (!first.next_sibling())
+        return Trim(first.value());
+    std::string whole;
+    for (const pugi::xml_node piece : element_.children())
+        whole += piece.type() == pugi::node_element ? "" : piece.value();
+    return Trim(loader_.Keep(whole));
+}
 
 std::string_view Property::Attribute(const char *name) const { return Trim(element_.attribute(name).value()); }
-
-std::int64_t Property::ParseInt(std::string_view text) const
-{
-    text = Trim(text);
-    std::string_view digits = text;
-    const bool negative = digits.starts_with('-');
-    if (negative || digits.starts_with('+'))
-        digits.remove_prefix(1);
-    const bool hex = HasHexPrefix(digits);
-    if (hex)
-        digits.remove_prefix(2);
-    std::uint64_t magnitude = 0;
-    if (!Parse(digits, magnitude, hex ? 16 : 10))
-        Fail(Say("'", text, "' is no integer"));
-    // A hexadecimal number is a pattern of 64 bits; a decimal one must fit.
-    constexpr std::uint64_t most = std::numeric_limits<std::int64_t>::max();
-    if (!hex && magnitude > most + (negative ? 1 : 0))
-        Fail(Say("'", text, "' fits no 64-bit integer"));
-    return static_cast<std::int64_t>(negative ? 0 - magnitude : magnitude);
-}
 
 std::string_view Property::Kept() const { return loader_.Keep(Text()); }
 
@@ -76,29 +42,27 @@ bool Property::IsInt() const
     return text.find_first_of("xX") != text.npos || text.find_first_of(".eE") == text.npos;
 }
 
+std::int64_t Property::ParseInt(std::string_view text) const
+{
+    if (const auto value = ReadInt(text))
+        return *value;
+    text = Trim(text);
+    const bool isLong = text.size() > 15 && text.find_first_not_of("+-0123456789abcdefABCDEFxX") == text.npos;
+    Fail(Say("'", text, isLong ? "' fits no 64-bit integer" : "' is no integer"));
+}
+
 double Property::ParseFloat(std::string_view text) const
 {
-    text = Trim(text);
-    std::string_view digits = text;
-    if (digits.starts_with('+'))
-        digits.remove_prefix(1);
-    if (HasHexPrefix(digits))
-        return static_cast<double>(ParseInt(digits));
-    double value = 0;
-    if (!Parse(digits, value) || value != value)
-        Fail(Say("'", text, "' is no number"));
-    return value;
+    if (const auto value = ReadFloat(text))
+        return *value;
+    Fail(Say("'", Trim(text), "' is no number"));
 }
 
 std::uint64_t Property::Hex() const
 {
-    std::string_view digits = Text();
-    if (HasHexPrefix(digits))
-        digits.remove_prefix(2);
-    std::uint64_t value = 0;
-    if (!Parse(digits, value, 16))
-        Fail(Say("'", Text(), "' is no hexadecimal number"));
-    return value;
+    if (const auto value = ReadHex(Text()))
+        return *value;
+    Fail(Say("'", Text(), "' is no hexadecimal number"));
 }
 
 bool Property::YesNo() const

@@ -54,9 +54,15 @@ void IntRegNode::Finish(Loader &loader)
 
 std::uint64_t IntRegNode::Decode(const Bytes &bytes) const
 {
-    std::uint64_t raw;
-    std::memcpy(&raw, bytes.data(), sizeof raw);
     static_assert(std::endian::native == std::endian::little);
+    std::uint64_t raw;
+    // As wide as it was written just now: a wider load would have to wait for that.
+    if (std::uint32_t word; ConstantLength() == sizeof word) {
+        std::memcpy(&word, bytes.data(), sizeof word);
+        raw = word;
+    } else {
+        std::memcpy(&raw, bytes.data(), sizeof raw);
+    }
     return IsBigEndian() ? __builtin_bswap64(raw) >> (64 - 8 * ConstantLength()) : raw;
 }
 

@@ -35,7 +35,7 @@ class RegisterNode {
     static constexpr std::uint32_t notGiven = ~0u;
 
     bool TakeRegister(const Property &property);
-    /// The length must be given and, when @p limit is not 0, constant and no longer.
+    /// The length must be given and, when @p limit is not 0, constant and no longer; a node may hold the constant.
     void FinishRegister(Loader &loader, std::size_t limit);
     AccessMode RegisterAccess(Run &run);
     bool CanRead() const { return accessMode_ != AccessMode::WriteOnly; }
@@ -62,12 +62,17 @@ class RegisterNode {
         Node *block;
     };
 
+    static std::uint32_t LengthOf(std::int64_t length)
+    {
+        return static_cast<std::uint32_t>(std::clamp<std::int64_t>(length, 0, notGiven - 1));
+    }
     Moving &AddMoving();
     std::uint64_t MovingAddress(Run &run);
     bool IsExpired(const Run &run, std::uint64_t address) const;
     void ReadPort(Run &run, std::uint64_t address, std::span<std::byte> data);
     bool HasChanged(MapState &map, std::uint64_t address, std::span<const std::byte> data) const;
     void Remember(MapState &map, std::uint64_t address, std::span<const std::byte> data);
+    void Forget(MapState &map, std::uint64_t address, std::size_t length);
 
     std::uint64_t address_ = 0;
     std::unique_ptr<Moving> moving_;
