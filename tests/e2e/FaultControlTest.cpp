@@ -34,7 +34,7 @@ class FaultControlTest : public FaultTest {
 /// With a camera that promises to answer fast: what must run into its time-out takes less time.
 class HastyControlTest : public FaultControlTest {
   protected:
-    const int64_t promised = IsOverUsb() ? 1000 : 60; // ms; twice as much is waited for
+    const int64_t promised = IsOverUsb() ? 300 : 60; // ms; twice as much is waited for
     HastyControlTest()
     {
         PromiseAnswersWithin(promised);

@@ -1,4 +1,4 @@
-// A camera that is pulled out while it streams.
+// A camera that is pulled out, or whose port is reset, while it streams.
 
 #include "tests/e2e/RequestChannel.h"
 
@@ -52,6 +52,44 @@ TEST_F(UnplugTest, PendingRequestsCompleteAndTheNeighbourDoesNotNotice)
     channel.EnqueueAll();
     channel.Start();
     EXPECT_EQ(channel.Next().info.uiStatus, 0u) << "after a replug the same process goes on";
+    channel.Stop();
+}
+
+TEST_F(UnplugTest, ResetOfThePortClosesTheCameraAndItOpensAnew)
+{
+    const CAM_HANDLE hCam = Open(0), hNeighbour = Open(1);
+    {
+        constexpr std::size_t buffers = 3;
+        RequestChannel channel(hCam, buffers), neighbour(hNeighbour, 3);
+        channel.EnqueueAll();
+        channel.Start();
+        const CAM_HANDLE hFirst = channel.Next().hRequest;
+        EXPECT_EQ(Cam_ResetPort(hCam), 0u);
+        for (std::size_t rest = 1; rest < buffers; ++rest) {
+            const uint32_t status = channel.Next().info.uiStatus;
+            EXPECT_TRUE(status == 0 || status == CAM_API_STS_FLUSH_REQUESTED) << std::hex << status;
+        }
+        EXPECT_FALSE(channel.TryNext());
+        EXPECT_NE(Strm_EnqueueRequest(channel.Stream(), hFirst), 0u);
+        uint32_t word = 0;
+        EXPECT_NE(Cam_ReadReg(hCam, 0, 1, &word), 0u);
+
+        neighbour.EnqueueAll();
+        neighbour.Start();
+        EXPECT_EQ(neighbour.Next().info.uiStatus, 0u) << "the neighbour does not notice";
+        neighbour.Stop();
+    }
+    AwaitCameras(2);
+    const CAM_HANDLE hAgain = Open(0);
+    RequestChannel channel(hAgain, 2);
+    channel.EnqueueAll();
+    channel.Start();
+    for (uint64_t block = 0; block < 5; ++block) {
+        const Delivered done = channel.Next();
+        EXPECT_EQ(done.info.uiStatus, 0u);
+        EXPECT_EQ(done.info.ullBlockId, block);
+        channel.Enqueue(done.hRequest);
+    }
     channel.Stop();
 }
 

@@ -35,10 +35,19 @@ const LinkSpeed &Speed(const CameraEntry &camera)
     return row != std::end(s_speeds) ? *row : *std::prev(std::end(s_speeds));
 }
 
+/// Why it cannot be opened, or empty: the transport then says so in the place of the maker's remarks.
+std::string_view Problem(const CameraEntry &camera)
+{
+    return camera.manufacturerInfo.starts_with("cannot be opened: ") ? camera.manufacturerInfo : std::string_view();
+}
+
 Json ToJson(const CameraEntry &camera)
 {
-    return {{"index", camera.index}, {"serial", camera.serial},     {"manufacturer", camera.manufacturer},
-            {"model", camera.model}, {"userName", camera.userName}, {"linkSpeed", Speed(camera).name}};
+    Json json = {{"index", camera.index}, {"serial", camera.serial},     {"manufacturer", camera.manufacturer},
+                 {"model", camera.model}, {"userName", camera.userName}, {"linkSpeed", Speed(camera).name}};
+    if (!Problem(camera).empty())
+        json["problem"] = Problem(camera);
+    return json;
 }
 
 Json Identity(const CameraEntry &camera)
@@ -100,6 +109,9 @@ void List(const Options &options)
         rows.push_back({std::to_string(camera.index), camera.serial, camera.manufacturer + " " + camera.model,
                         camera.userName.empty() ? "-" : camera.userName, Speed(camera).rate});
     PrintTable(rows);
+    for (const CameraEntry &camera : cameras)
+        if (!Problem(camera).empty())
+            PrintLine(camera.serial + " " + std::string(Problem(camera)) + "; orvicam doctor tells what to do");
 }
 
 void Info(const Options &options)

@@ -1,9 +1,6 @@
 #pragma once
 // Asynchronous events of a camera: packets of the event interface, taken apart into events, each delivered into a
 // request of the application or a buffer of the channel's own.
-//
-// A delivered event is a block of our own layout: event id at 14 (16 bits), stream channel at 18 (16), device time in
-// ns at 20 (64), length of the event's own data at 28 (32), block id or 0 at 32 (64), the data from 40.
 
 #include "u3v/protocol/Camera.h"
 #include "u3v/protocol/EventNodes.h"
@@ -69,7 +66,6 @@ class EventChannel final : private BulkIn::Listener, private Camera::Channel {
     void Submit(std::unique_lock<std::mutex> &lock, BulkIn &transfer, std::span<std::byte> buffer);
     void ClearEndpoint(std::unique_lock<std::mutex> &lock);
     void HandlePacket(std::span<const std::byte> packet);
-    void HandleEvent(const EventEntry &event);
     void Deliver(const EventEntry &event, std::uint64_t blockId);
     void CountMalformed(std::size_t size);
     void LogLost(std::uint64_t lost, std::uint64_t all) const;

@@ -2,6 +2,8 @@
 
 #include "u3v/protocol/Wire.h"
 
+#include <algorithm>
+
 namespace Orvi::U3v {
 namespace {
 
@@ -39,6 +41,20 @@ std::optional<std::vector<EventEntry>> ParseEventPacket(std::span<const std::byt
         rest = rest.subspan(size);
     }
     return entries;
+}
+
+std::size_t WriteEventBlock(const EventEntry &event, std::uint64_t blockId, std::span<std::byte> block)
+{
+    const std::size_t length = std::min(event.data.size(), block.size() - eventBlockHeader);
+    std::fill_n(block.begin(), eventBlockHeader, std::byte{0});
+    Store<std::uint32_t>(block, 0, eventPrefix);
+    Store<std::uint16_t>(block, 14, event.id);
+    Store<std::uint16_t>(block, 18, 0); // a camera has one stream channel
+    Store<std::uint64_t>(block, 20, event.timestamp);
+    Store<std::uint32_t>(block, 28, static_cast<std::uint32_t>(length));
+    Store<std::uint64_t>(block, 32, blockId);
+    std::copy_n(event.data.begin(), length, block.begin() + eventBlockHeader);
+    return eventBlockHeader + length;
 }
 
 } // namespace Orvi::U3v
