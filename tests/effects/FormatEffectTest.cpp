@@ -2,6 +2,9 @@
 
 #include "tests/effects/EffectTest.h"
 
+#include <algorithm>
+#include <string_view>
+
 namespace Orvi::Testing {
 namespace {
 
@@ -64,6 +67,83 @@ TEST_F(FormatEffectTest, EveryFormatWithARegisterPairSetByFunction)
         EXPECT_EQ(ReadWord(hCam, codingValue), row.coding) << row.name;
         EXPECT_EQ(ReadWord(hCam, sizeValue), row.size) << row.name;
         ExpectFormat(row);
+    }
+}
+
+struct Colour {
+    double red, green, blue; ///< of 1
+};
+
+/// The bytes of four pixels of one colour, from an even column on, as the format's name says.
+std::vector<int> BytesOf(const FormatRow &row, const Colour &colour, bool isOddLine)
+{
+    const auto &[red, green, blue] = colour;
+    const auto byte = [](double value) { return static_cast<int>(std::clamp(value, 0.0, 255.0)); };
+    const int r = byte(255 * red), g = byte(255 * green), b = byte(255 * blue);
+    // Full range, as in JPEG files.
+    const int y = byte(255 * (0.299 * red + 0.587 * green + 0.114 * blue));
+    const int u = byte(128 + 255 * (-0.168736 * red - 0.331264 * green + 0.5 * blue));
+    const int v = byte(128 + 255 * (0.5 * red - 0.418688 * green - 0.081312 * blue));
+    const std::string_view name = row.name;
+    if (name == "RGB8")
+        return {r, g, b, r, g, b, r, g, b, r, g, b};
+    if (name == "BGR8")
+        return {b, g, r, b, g, r, b, g, r, b, g, r};
+    if (name == "YUV411_8_UYYVYY")
+        return {u, y, y, v, y, y};
+    if (name == "YUV422_8_UYVY")
+        return {u, y, v, y, u, y, v, y};
+    // BayerGR begins with green and red; the next line has the other two, green below red and blue below green.
+    const auto other = [](char letter) { return letter == 'R' ? 'B' : letter == 'B' ? 'R' : 'G'; };
+    const char first = isOddLine ? other(name[6]) : name[5], second = isOddLine ? other(name[5]) : name[6];
+    std::vector<int> bytes;
+    for (const char letter : {first, second, first, second}) {
+        const double light = letter == 'R' ? red : letter == 'G' ? green : blue;
+        const int value = static_cast<int>(light * ((1 << row.size) - 1));
+        bytes.push_back(value & 0xFF);
+        if (row.size > 8)
+            bytes.push_back(value >> 8);
+    }
+    return bytes;
+}
+
+// The other tests compare with the picture that the camera's own encoder makes.
+TEST_F(FormatEffectTest, ColoursAreBytesInTheOrderOfTheFormatsName)
+{
+    constexpr Colour bars[] = {{1, 1, 1}, {1, 1, 0}, {0, 1, 1}, {0, 1, 0}, {1, 0, 1}, {1, 0, 0}, {0, 0, 1}, {0, 0, 0}};
+    constexpr std::size_t width = 160, barWidth = 20, line = 110; // below the block id and what moves
+    ASSERT_EQ(SetCamTestPattern(hCam, CAM_TEST_PATTERN_COLOR_BAR), 0u);
+    for (const FormatRow &row : formats) {
+        if (std::string_view(row.name).starts_with("Mono"))
+            continue;
+        ASSERT_EQ(SetCamPixelFormat(hCam, row.code), 0u);
+        const Picture picture = Take();
+        const std::size_t bits = row.code >> 16 & 0xFF;
+        for (std::size_t y = line; y < line + 2; ++y)
+            for (std::size_t bar = 0; bar < std::size(bars); ++bar) {
+                const std::vector<int> wanted = BytesOf(row, bars[bar], y % 2 != 0);
+                const std::size_t at = (y * width + bar * barWidth + barWidth / 2 - 2) * bits / 8;
+                for (std::size_t i = 0; i < wanted.size(); ++i)
+                    ASSERT_NEAR(std::to_integer<int>(picture.bytes.at(at + i)), wanted[i], 1)
+                        << row.name << ", line " << y << ", bar " << bar << ", byte " << i;
+            }
+    }
+}
+
+TEST_F(FormatEffectTest, MoreBitsAreFinerStepsOfTheSameGrey)
+{
+    ASSERT_EQ(SetCamTestPattern(hCam, CAM_TEST_PATTERN_HORIZONTAL_RAMP), 0u);
+    for (const FormatRow &row : formats) {
+        if (row.coding >= 0x20 && row.coding < 0x60)
+            continue; // colours
+        ASSERT_EQ(SetCamPixelFormat(hCam, row.code), 0u);
+        const Picture picture = Take();
+        for (std::size_t x = 0; x < 160; ++x) {
+            const std::size_t at = 110 * 160 + x;
+            const auto byte = [&](std::size_t index) { return std::to_integer<uint32_t>(picture.bytes.at(index)); };
+            const uint32_t value = row.size > 8 ? byte(2 * at) | byte(2 * at + 1) << 8 : byte(at);
+            ASSERT_EQ(value >> (row.size - 8), x) << row.name;
+        }
     }
 }
 

@@ -256,11 +256,13 @@ TEST_P(FloatFeatureTest, EqualScaleIsAnIncrement)
 // cut, without the factor of microseconds.
 TEST_P(FloatFeatureTest, SecondFormulaAtTheEdge)
 {
-    SetScale(1, static_cast<uint32_t>(-2), 5, 5);
-    if (row.microseconds)
-        ExpectRefused(-2.5 * factor);
-    else
-        ExpectSets(-2.5, 5);
+    for (const int32_t limit : {5, -3}) { // over the lower one, over the upper one
+        SetScale(1, static_cast<uint32_t>(-2), limit, limit);
+        if (row.microseconds)
+            ExpectRefused(limit / -2.0 * factor);
+        else
+            ExpectSets(limit / -2.0, limit);
+    }
     // The limits have wrapped to 0 and 2^30: values between them mean raw values below the least one.
     SetScale(0x10000, 1, 0x10000, 0x14000);
     if (row.microseconds)
