@@ -934,7 +934,7 @@ CAM_API_STATUS Evt_FlushWaitQueue(CAM_HANDLE hEvt);
  * - #CAM_API_STS_UNSUCCESSFUL: an enumeration of the camera shows an entry without a value here, or is given a value of
  *   128 or more through registers.
  *
- * Where nothing is said of streaming, the library does not look at it; a camera may refuse all the same.
+ * "Allowed while streaming" means that the library does not look at the stream; a camera may refuse all the same.
  *
  * A refused value is not written. A function that selects first (a line, an index, a colour) leaves the selection.
  * Handles and outputs are checked before the library asks whether it is initialised.
@@ -984,7 +984,7 @@ CAM_ENUM(CAM_IMAGE_FORMAT_SELECTOR_TYPE){
 CAM_API_STATUS GetCamImageFormatSelector(CAM_HANDLE hCam, CAM_IMAGE_FORMAT_SELECTOR_TYPE *peFormat);
 
 /**
- * Chooses the image format. Refused while streaming.
+ * Chooses the image format that GetCamImageFormatSelector() reads. Refused while streaming.
  * @param hCam the camera
  * @param eFormat one of ::CAM_IMAGE_FORMAT_SELECTOR_TYPE
  */
@@ -1219,7 +1219,7 @@ CAM_API_STATUS SetCamDecimationVertical(CAM_HANDLE hCam, uint32_t uiValue);
 CAM_API_STATUS GetCamReverseX(CAM_HANDLE hCam, bool *pbValue);
 
 /**
- * Exchanges left and right of the image. Not refused here while streaming.
+ * Sets what GetCamReverseX() reads: exchanges left and right of the image. Allowed while streaming.
  * @param hCam the camera
  * @param bValue true: mirrored
  */
@@ -1234,7 +1234,7 @@ CAM_API_STATUS SetCamReverseX(CAM_HANDLE hCam, bool bValue);
 CAM_API_STATUS GetCamReverseY(CAM_HANDLE hCam, bool *pbValue);
 
 /**
- * Exchanges top and bottom of the image. Not refused here while streaming.
+ * Sets what GetCamReverseY() reads: exchanges top and bottom of the image. Allowed while streaming.
  * @param hCam the camera
  * @param bValue true: mirrored
  */
@@ -1305,7 +1305,8 @@ CAM_ENUM(CAM_TEST_PATTERN_TYPE){
 CAM_API_STATUS GetCamTestPattern(CAM_HANDLE hCam, CAM_TEST_PATTERN_TYPE *peTestPattern);
 
 /**
- * Chooses the test pattern. Not refused here while streaming.
+ * Chooses the test pattern that GetCamTestPattern() reads. Only the greys are looked for in TestPattern too. Allowed
+ * while streaming.
  * @param hCam the camera
  * @param eTestPattern one of ::CAM_TEST_PATTERN_TYPE
  */
@@ -1356,7 +1357,7 @@ CAM_API_STATUS GetCamAcquisitionFrameRateControl(CAM_HANDLE hCam,
                                                  CAM_ACQ_FRAME_RATE_CONTROL_TYPE *peAcquisitionFrameRateControl);
 
 /**
- * Chooses who decides on the frame rate. Allowed while streaming.
+ * Sets what GetCamAcquisitionFrameRateControl() reads. Allowed while streaming.
  * @param hCam the camera
  * @param eAcquisitionFrameRateControl one of ::CAM_ACQ_FRAME_RATE_CONTROL_TYPE
  */
@@ -1401,7 +1402,7 @@ CAM_ENUM(CAM_IMAGE_BUFFER_MODE_TYPE){
 CAM_API_STATUS GetCamImageBufferMode(CAM_HANDLE hCam, CAM_IMAGE_BUFFER_MODE_TYPE *peImageBufferMode);
 
 /**
- * Chooses whether the camera holds its images. Refused while streaming.
+ * Sets what GetCamImageBufferMode() reads. Refused while streaming.
  * @param hCam the camera
  * @param eImageBufferMode one of ::CAM_IMAGE_BUFFER_MODE_TYPE
  */
@@ -1416,6 +1417,7 @@ CAM_API_STATUS GetCamImageBufferFrameCount(CAM_HANDLE hCam, uint32_t *puiImageBu
 
 /**
  * Sends an image that the camera holds. Block 0x203020; command ImageBufferRead, for whose end is waited briefly.
+ * Allowed while streaming.
  * @param hCam the camera
  */
 CAM_API_STATUS ExecuteCamImageBufferRead(CAM_HANDLE hCam);
@@ -1435,7 +1437,7 @@ CAM_API_STATUS ExecuteCamImageBufferRead(CAM_HANDLE hCam);
 CAM_API_STATUS GetCamTriggerMode(CAM_HANDLE hCam, bool *pbTriggerMode);
 
 /**
- * Chooses whether exposures wait for a trigger. Allowed while streaming.
+ * Sets what GetCamTriggerMode() reads. Allowed while streaming.
  * @param hCam the camera
  * @param bTriggerMode true: they wait
  */
@@ -1456,8 +1458,8 @@ CAM_ENUM(CAM_TRIGGER_SEQUENCE_TYPE){
 CAM_API_STATUS GetCamTriggerSequence(CAM_HANDLE hCam, CAM_TRIGGER_SEQUENCE_TYPE *peTriggerSequence);
 
 /**
- * Chooses what a trigger starts. On the node road a value that is not in ::CAM_TRIGGER_SEQUENCE_TYPE is taken as
- * #CAM_TRIGGER_SEQUENCE_0. Allowed while streaming.
+ * Sets what GetCamTriggerSequence() reads. On the node road a value that is not in ::CAM_TRIGGER_SEQUENCE_TYPE is taken
+ * as #CAM_TRIGGER_SEQUENCE_0. Allowed while streaming.
  * @param hCam the camera
  * @param eTriggerSequence one of ::CAM_TRIGGER_SEQUENCE_TYPE
  */
@@ -1479,7 +1481,7 @@ CAM_ENUM(CAM_TRIGGER_SOURCE_TYPE){
 CAM_API_STATUS GetCamTriggerSource(CAM_HANDLE hCam, CAM_TRIGGER_SOURCE_TYPE *peTriggerSource);
 
 /**
- * Chooses where a trigger comes from. Allowed while streaming.
+ * Sets what GetCamTriggerSource() reads. Allowed while streaming.
  * @param hCam the camera
  * @param eTriggerSource a line's number or #CAM_TRIGGER_SOURCE_SOFTWARE; on the node road only
  * #CAM_TRIGGER_SOURCE_LINE0 and #CAM_TRIGGER_SOURCE_SOFTWARE
@@ -1502,7 +1504,8 @@ CAM_API_STATUS GetCamTriggerAdditionalParameterMinMax(CAM_HANDLE hCam, uint32_t 
 CAM_API_STATUS GetCamTriggerAdditionalParameter(CAM_HANDLE hCam, uint32_t *puiValue);
 
 /**
- * Sets what GetCamTriggerAdditionalParameter() reads. Allowed while streaming.
+ * Sets what GetCamTriggerAdditionalParameter() reads. A block that refuses the value as an integer is tried as a scaled
+ * number; the status stays that of the first try unless the second succeeds. Allowed while streaming.
  * @param hCam the camera
  * @param uiValue within GetCamTriggerAdditionalParameterMinMax()
  */
@@ -1545,14 +1548,14 @@ CAM_ENUM(CAM_TRIGGER_ACTIVATION_TYPE){
 CAM_API_STATUS GetCamTriggerActivation(CAM_HANDLE hCam, CAM_TRIGGER_ACTIVATION_TYPE *peTriggerActivation);
 
 /**
- * Chooses the edge that is a trigger. Allowed while streaming.
+ * Sets what GetCamTriggerActivation() reads. Allowed while streaming.
  * @param hCam the camera
  * @param eTriggerActivation one of ::CAM_TRIGGER_ACTIVATION_TYPE
  */
 CAM_API_STATUS SetCamTriggerActivation(CAM_HANDLE hCam, CAM_TRIGGER_ACTIVATION_TYPE eTriggerActivation);
 
 /**
- * Triggers. Block 0x2070C0; command TriggerSoftware, for whose end is waited briefly.
+ * Triggers. Block 0x2070C0; command TriggerSoftware, for whose end is waited briefly. Allowed while streaming.
  * @param hCam the camera
  */
 CAM_API_STATUS ExecuteCamSoftwareTrigger(CAM_HANDLE hCam);
@@ -1579,7 +1582,7 @@ CAM_ENUM(CAM_EXPOSURE_TIME_CONTROL_TYPE){
 CAM_API_STATUS GetCamExposureTimeControl(CAM_HANDLE hCam, CAM_EXPOSURE_TIME_CONTROL_TYPE *peExposureTimeControl);
 
 /**
- * Chooses who decides on the exposure time. Allowed while streaming.
+ * Sets what GetCamExposureTimeControl() reads. Allowed while streaming.
  * @param hCam the camera
  * @param eExposureTimeControl one of ::CAM_EXPOSURE_TIME_CONTROL_TYPE
  * @retval CAM_API_STS_NOT_AVAILABLE #CAM_EXPOSURE_TIME_CONTROL_NO_SPECIFY on the node road
@@ -1693,7 +1696,7 @@ CAM_API_STATUS GetCamLineSource(CAM_HANDLE hCam, CAM_LINE_SELECTOR_TYPE eLineSel
                                 CAM_LINE_SOURCE_TYPE *peLineSource);
 
 /**
- * Chooses what an output line shows. Allowed while streaming.
+ * Sets what GetCamLineSource() reads. Allowed while streaming.
  * @param hCam the camera
  * @param eLineSelector as for GetCamLineSource()
  * @param eLineSource one of ::CAM_LINE_SOURCE_TYPE
@@ -1772,7 +1775,7 @@ CAM_ENUM(CAM_TIMER_TRIGGER_SOURCE_TYPE){
 CAM_API_STATUS GetCamTimerTriggerSource(CAM_HANDLE hCam, CAM_TIMER_TRIGGER_SOURCE_TYPE *peTimerTriggerSource);
 
 /**
- * Chooses what starts the timer. Allowed while streaming.
+ * Sets what GetCamTimerTriggerSource() reads. Allowed while streaming.
  * @param hCam the camera
  * @param eTimerTriggerSource one of ::CAM_TIMER_TRIGGER_SOURCE_TYPE
  */
@@ -1823,7 +1826,7 @@ CAM_ENUM(CAM_GAIN_AUTO_TYPE){
 CAM_API_STATUS GetCamGainAuto(CAM_HANDLE hCam, CAM_GAIN_AUTO_TYPE *peGainAuto);
 
 /**
- * Chooses who decides on the gain. On the node road the result is 0 even when the node refuses or the mode does not
+ * Sets what GetCamGainAuto() reads. On the node road the result is 0 even when the node refuses or the mode does not
  * exist. Allowed while streaming.
  * @param hCam the camera
  * @param eGainAuto one of ::CAM_GAIN_AUTO_TYPE
@@ -1879,8 +1882,8 @@ CAM_API_STATUS SetCamGamma(CAM_HANDLE hCam, double dGamma);
 /**
  * Limits of Get/SetCamSharpness().
  * @param hCam the camera
- * @param[out] puiSharpnessMin least value
- * @param[out] puiSharpnessMax greatest value
+ * @param[out] puiSharpnessMin least value, the camera's unit
+ * @param[out] puiSharpnessMax greatest value, the camera's unit
  */
 CAM_API_STATUS GetCamSharpnessMinMax(CAM_HANDLE hCam, uint32_t *puiSharpnessMin, uint32_t *puiSharpnessMax);
 
@@ -1894,7 +1897,7 @@ CAM_API_STATUS GetCamSharpness(CAM_HANDLE hCam, uint32_t *puiSharpness);
 /**
  * Sets what GetCamSharpness() reads. Allowed while streaming.
  * @param hCam the camera
- * @param uiSharpness within GetCamSharpnessMinMax()
+ * @param uiSharpness the camera's unit, within GetCamSharpnessMinMax()
  */
 CAM_API_STATUS SetCamSharpness(CAM_HANDLE hCam, uint32_t uiSharpness);
 
@@ -2057,7 +2060,7 @@ CAM_API_STATUS SetCamColorCorrectionMatrix(CAM_HANDLE hCam, CAM_COLOR_CORRECTION
 CAM_API_STATUS GetCamLutEnable(CAM_HANDLE hCam, bool *pbEnable);
 
 /**
- * Sends pixels through the table. Allowed while streaming.
+ * Sets what GetCamLutEnable() reads. Allowed while streaming.
  * @param hCam the camera
  * @param bEnable true: they go through it
  */
@@ -2109,14 +2112,14 @@ CAM_ENUM(CAM_USER_SET_SELECTOR_TYPE){
 };
 
 /**
- * Loads a set. Nodes UserSetSelector (Default, UserSet1 ...) and UserSetLoad.
+ * Loads a set. Nodes UserSetSelector (Default, UserSet1 ...) and UserSetLoad. Allowed while streaming.
  * @param hCam the camera
  * @param eSelector 0 to 15; see ::CAM_USER_SET_SELECTOR_TYPE
  */
 CAM_API_STATUS ExecuteCamUserSetLoad(CAM_HANDLE hCam, CAM_USER_SET_SELECTOR_TYPE eSelector);
 
 /**
- * Saves the present settings as a set. Nodes UserSetSelector and UserSetSave.
+ * Saves the present settings as a set. Nodes UserSetSelector and UserSetSave. Allowed while streaming.
  * @param hCam the camera
  * @param eSelector 0 to 15; see ::CAM_USER_SET_SELECTOR_TYPE
  */
@@ -2125,7 +2128,7 @@ CAM_API_STATUS ExecuteCamUserSetSave(CAM_HANDLE hCam, CAM_USER_SET_SELECTOR_TYPE
 /**
  * Saves the present settings as a set with which the camera starts from then on. Nodes UserSetSelector, UserSetDefault
  * and UserSetSave. With #CAM_USER_SET_SELECTOR_DEFAULT the camera starts with the factory set, and loads it now: the
- * present settings are lost.
+ * present settings are lost. Allowed while streaming.
  * @param hCam the camera
  * @param eSelector 0 to 15; see ::CAM_USER_SET_SELECTOR_TYPE
  */
@@ -2153,7 +2156,7 @@ CAM_ENUM(CAM_FRAME_SYNCHRONIZATION_TYPE){
 CAM_API_STATUS GetCamFrameSynchronization(CAM_HANDLE hCam, CAM_FRAME_SYNCHRONIZATION_TYPE *peSync);
 
 /**
- * Chooses what the frames keep time with.
+ * Sets what GetCamFrameSynchronization() reads. Allowed while streaming.
  * @param hCam the camera
  * @param eSync one of ::CAM_FRAME_SYNCHRONIZATION_TYPE
  */
@@ -2175,7 +2178,7 @@ CAM_API_STATUS SetCamFrameSynchronization(CAM_HANDLE hCam, CAM_FRAME_SYNCHRONIZA
 CAM_API_STATUS GetCamDpcEnable(CAM_HANDLE hCam, bool *pbEnable);
 
 /**
- * Switches the correction.
+ * Sets what GetCamDpcEnable() reads. Allowed while streaming.
  * @param hCam the camera
  * @param bEnable true: on
  */
@@ -2189,7 +2192,7 @@ CAM_API_STATUS SetCamDpcEnable(CAM_HANDLE hCam, bool bEnable);
 CAM_API_STATUS GetCamDpcNumber(CAM_HANDLE hCam, uint32_t *puiNumber);
 
 /**
- * Sets the number of defective pixels in the list.
+ * Sets what GetCamDpcNumber() reads. Allowed while streaming.
  * @param hCam the camera
  * @param uiNumber within the limits of the node
  */
@@ -2206,7 +2209,7 @@ CAM_API_STATUS GetCamDpcPosition(CAM_HANDLE hCam, uint32_t uiDpcIndex, uint32_t 
 
 /**
  * Sets the position of a defective pixel. Selects through the node LUTIndex, not DPCIndex; then DPCEntryX and
- * DPCEntryY.
+ * DPCEntryY. Allowed while streaming.
  * @param hCam the camera
  * @param uiDpcIndex within the limits of LUTIndex
  * @param uiEntryX column on the sensor
@@ -2230,7 +2233,7 @@ CAM_API_STATUS SetCamDpcPosition(CAM_HANDLE hCam, uint32_t uiDpcIndex, uint32_t 
 CAM_API_STATUS GetCamSequentialShutterEnable(CAM_HANDLE hCam, bool *pbEnable);
 
 /**
- * Switches the sequential shutter.
+ * Sets what GetCamSequentialShutterEnable() reads. Allowed while streaming.
  * @param hCam the camera
  * @param bEnable true: on
  */
@@ -2252,7 +2255,7 @@ CAM_API_STATUS GetCamSequentialShutterTerminateAtMinMax(CAM_HANDLE hCam, uint32_
 CAM_API_STATUS GetCamSequentialShutterTerminateAt(CAM_HANDLE hCam, uint32_t *puiValue);
 
 /**
- * Sets what GetCamSequentialShutterTerminateAt() reads.
+ * Sets what GetCamSequentialShutterTerminateAt() reads. Allowed while streaming.
  * @param hCam the camera
  * @param uiValue within GetCamSequentialShutterTerminateAtMinMax()
  */
@@ -2283,7 +2286,7 @@ CAM_API_STATUS GetCamSequentialShutterEntryMinMax(CAM_HANDLE hCam, uint32_t *pui
 CAM_API_STATUS GetCamSequentialShutterEntry(CAM_HANDLE hCam, uint32_t uiIndex, uint32_t *puiEntry);
 
 /**
- * Sets what GetCamSequentialShutterEntry() reads.
+ * Sets what GetCamSequentialShutterEntry() reads. Allowed while streaming.
  * @param hCam the camera
  * @param uiIndex place, within GetCamSequentialShutterIndexMinMax()
  * @param uiEntry within GetCamSequentialShutterEntryMinMax()
@@ -2315,7 +2318,7 @@ CAM_API_STATUS GetCamTLParamsLocked(CAM_HANDLE hCam, uint32_t *puiValue);
 CAM_API_STATUS GetCamUserDefinedName(CAM_HANDLE hCam, char *pszName, uint32_t *puiSize);
 
 /**
- * Gives the camera a name. Node UserDefinedName; USB3 Vision cameras only.
+ * Gives the camera a name. Node UserDefinedName; USB3 Vision cameras only. Allowed while streaming.
  * @param hCam the camera
  * @param pszName at most 63 characters
  * @retval CAM_API_STS_INVALID_PARAMETER @p pszName is null or has 64 characters or more
