@@ -569,6 +569,14 @@ class Settings(OrvicamTest):
         self.file.write_text("\n".join(lines) + "\n")
         self.fail_with(5, [str(self.file), f"line {width + 1}", "Width"], "--virtual", 1, "load", self.file)
 
+    def test_defective_pixels_are_loaded_on_demand_alone(self):
+        lines = self.file.read_text().splitlines()
+        number = next(i for i, line in enumerate(lines) if line.startswith("DPCNumber="))
+        lines[number] = "DPCNumber=99"  # more than the table holds
+        self.file.write_text("\n".join(lines) + "\n")
+        self.succeed("--virtual", 1, "load", self.file)
+        self.fail_with(5, [str(self.file), f"line {number + 1}", "DPCNumber"], "--virtual", 1, "load", self.file, "--dpc")
+
     def test_an_existing_file_is_kept_unless_forced(self):
         self.file.write_text("precious")
         self.fail_with(8, [str(self.file), "--force"], "--virtual", 1, "save", self.file)
