@@ -263,17 +263,33 @@ TEST_F(NodeRoadEnumTest, PixelFormatIsOneNodeOrAPair)
     const struct {
         uint32_t format;
         const char *name, *other, *coding, *otherCoding, *size;
-    } rows[] = {{0x01080001, "Mono8", "Mono8", "Mono", "Mono", "Bpp8"},
-                {0x01100003, "Mono10", "Mono10", "Mono", "Mono", "Bpp10"},
-                {0x01100007, "Mono16", "Mono16", "Mono", "Mono", "Bpp16"},
-                {0x01100013, "BayerBG12", "BayerBG12", "BayerBG", "BayerBG", "Bpp12"},
-                {0x02180014, "RGB8", "RGB8Packed", "RGB", "RGBPacked", "Bpp24"},
-                {0x02180015, "BGR8", "BGR8Packed", "BGR", "BGRPacked", "Bpp24"},
-                {0x02300019, "BGR10", "BGR10", "BGR", "BGRPacked", "Bpp48"},
-                {0x0230001B, "BGR12", "BGR12", "BGR", "BGRPacked", "Bpp48"},
-                {0x020C001E, "YUV411Packed", "YUV411_8_UYYVYY", "YUV411Packed", "YUV411Packed", "Bpp12"},
-                {0x0210001F, "YUV422Packed", "YUV422_8_UYVY", "YUV422Packed", "YUV422Packed", "Bpp16"},
-                {0x02180020, "YUV444Packed", "YUV8_UYV", "YUV444Packed", "YUV444Packed", "Bpp24"}};
+    } rows[] = {
+        // clang-format off
+        {0x01080001, "Mono8", "Mono8", "Mono", "Mono", "Bpp8"},
+        {0x01100003, "Mono10", "Mono10", "Mono", "Mono", "Bpp10"},
+        {0x01100005, "Mono12", "Mono12", "Mono", "Mono", "Bpp12"},
+        {0x01100007, "Mono16", "Mono16", "Mono", "Mono", "Bpp16"},
+        {0x01080008, "BayerGR8", "BayerGR8", "BayerGR", "BayerGR", "Bpp8"},
+        {0x0110000C, "BayerGR10", "BayerGR10", "BayerGR", "BayerGR", "Bpp10"},
+        {0x01100010, "BayerGR12", "BayerGR12", "BayerGR", "BayerGR", "Bpp12"},
+        {0x01080009, "BayerRG8", "BayerRG8", "BayerRG", "BayerRG", "Bpp8"},
+        {0x0110000D, "BayerRG10", "BayerRG10", "BayerRG", "BayerRG", "Bpp10"},
+        {0x01100011, "BayerRG12", "BayerRG12", "BayerRG", "BayerRG", "Bpp12"},
+        {0x0108000A, "BayerGB8", "BayerGB8", "BayerGB", "BayerGB", "Bpp8"},
+        {0x0110000E, "BayerGB10", "BayerGB10", "BayerGB", "BayerGB", "Bpp10"},
+        {0x01100012, "BayerGB12", "BayerGB12", "BayerGB", "BayerGB", "Bpp12"},
+        {0x0108000B, "BayerBG8", "BayerBG8", "BayerBG", "BayerBG", "Bpp8"},
+        {0x0110000F, "BayerBG10", "BayerBG10", "BayerBG", "BayerBG", "Bpp10"},
+        {0x01100013, "BayerBG12", "BayerBG12", "BayerBG", "BayerBG", "Bpp12"},
+        {0x02180014, "RGB8", "RGB8Packed", "RGB", "RGBPacked", "Bpp24"},
+        {0x02180015, "BGR8", "BGR8Packed", "BGR", "BGRPacked", "Bpp24"},
+        {0x02300019, "BGR10", "BGR10", "BGR", "BGRPacked", "Bpp48"},
+        {0x0230001B, "BGR12", "BGR12", "BGR", "BGRPacked", "Bpp48"},
+        {0x020C001E, "YUV411Packed", "YUV411_8_UYYVYY", "YUV411Packed", "YUV411Packed", "Bpp12"},
+        {0x0210001F, "YUV422Packed", "YUV422_8_UYVY", "YUV422Packed", "YUV422Packed", "Bpp16"},
+        {0x02180020, "YUV444Packed", "YUV8_UYV", "YUV444Packed", "YUV444Packed", "Bpp24"},
+        // clang-format on
+    };
     for (const auto &row : rows) {
         FakeNode &node = layer.nodes["PixelFormat"];
         uint32_t format = 0;

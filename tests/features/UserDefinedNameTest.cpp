@@ -87,6 +87,19 @@ TEST_F(UserDefinedNameTest, SecondReadGoesByTheCallersSize)
     EXPECT_EQ(GetCamUserDefinedName(hCamera, name, &size), 0xEu) << "a failing second read changes nothing";
 }
 
+TEST_F(UserDefinedNameTest, SecondReadOfAShorterNameDoesNotCount)
+{
+    stub.nodes["UserDefinedName"];
+    stub.on.Nd_GetStrValue = [](CAM_HANDLE, char *, uint32_t *room, bool, bool) -> CAM_API_STATUS {
+        if (*room == 64)
+            return 0xE;
+        *room = 64; // it has become shorter meanwhile
+        return 0;
+    };
+    EXPECT_EQ(GetCamUserDefinedName(hCamera, name, &size), 0xEu);
+    EXPECT_EQ(name[0], 'x');
+}
+
 TEST_F(UserDefinedNameTest, ChecksInOrder)
 {
     EXPECT_EQ(GetCamUserDefinedName(0, nullptr, nullptr), 7u);
