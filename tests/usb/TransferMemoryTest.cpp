@@ -113,6 +113,37 @@ TEST_F(TransferMemoryTest, LargeTransfersAreHalvedUntilTheyFit)
     EXPECT_THAT(Log(), HasSubstr("stream of F1: no memory for transfers of 1048576 bytes"));
 }
 
+TEST_F(TransferMemoryTest, LargeTransfersThatFitNoLongerAreHalvedWhileTheStreamRuns)
+{
+    constexpr std::uint64_t streamControl = FakeDevice::sirm + 4;
+    Start(2048 * kibibyte);
+    EXPECT_EQ(device->Get32(transferSizeRegister), 2048 * kibibyte);
+    {
+        const std::lock_guard lock(FakeBus::Instance().mutex);
+        script->maxTransfer = 700 * kibibyte;
+    }
+    for (std::uint64_t block = 1; block <= buffers.size(); ++block)
+        EXPECT_TRUE(Deliver(block)) << "posted before";
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    while (device->Get32(transferSizeRegister) > 512 * kibibyte || device->Get32(streamControl) == 0) {
+        ASSERT_LT(std::chrono::steady_clock::now(), end) << Log();
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    EXPECT_EQ(device->Get32(transferSizeRegister), 512 * kibibyte);
+    for (std::uint64_t block = 0; block < 10; ++block)
+        EXPECT_TRUE(Deliver(block)) << "begins anew";
+    EXPECT_EQ(stream->LostCount(), 0U);
+    EXPECT_THAT(Log(), HasSubstr("no memory for transfers of 2097152 bytes any more: started anew with half of it"));
+
+    {
+        const std::lock_guard lock(FakeBus::Instance().mutex);
+        script->maxTransfer = SIZE_MAX;
+    }
+    stream->Engine().Stop();
+    stream->Start(8);
+    EXPECT_EQ(device->Get32(transferSizeRegister), 2048 * kibibyte) << "the next start tries what the caller asks for";
+}
+
 TEST_F(TransferMemoryTest, LargeTransfersThatFitAreUsed)
 {
     Start(1024 * kibibyte);

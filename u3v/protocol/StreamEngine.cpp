@@ -1,20 +1,11 @@
-// What applications ask of a stream; the work is done in StreamThread.cpp.
+// What applications ask of a stream; the work is done in StreamThread.cpp and StreamSetup.cpp.
 
 #include "u3v/protocol/StreamEngine.h"
 
 #include "u3v/core/Log.h"
 #include "u3v/protocol/Acquisition.h"
-#include "u3v/protocol/TransferProbe.h"
-
-#include <algorithm>
 
 namespace Orvi::U3v {
-namespace {
-
-constexpr std::size_t maxFrames = 16, minFrames = 2;
-constexpr std::size_t safeTransferSize = 512 * 1024;
-
-} // namespace
 
 StreamEngine::StreamEngine(std::shared_ptr<Camera> camera, std::size_t maxTransferSize, Sink &sink)
     : camera_(std::move(camera)),
@@ -51,7 +42,7 @@ void StreamEngine::Start(std::uint32_t acquisitionMode)
             return;
     }
     WriteRegister(control, sirm, Sirm::control, 0U);
-    const StreamLayout layout = Negotiate(control);
+    const StreamLayout layout = Negotiate(maxTransferSize_);
     ClearEndpoint();
     const std::size_t budget = link_.MaxBytesInFlight();
 
@@ -61,6 +52,8 @@ void StreamEngine::Start(std::uint32_t acquisitionMode)
     lastBlockId_.reset();
     lostCount_ = 0;
     realigned_ = 0;
+    refusals_ = 0;
+    acquisitionMode_ = acquisitionMode;
     notBefore_ = {};
     isRunning_ = true;
     // A camera that finds no transfer when it begins to send throws its first images away.
@@ -177,52 +170,6 @@ void StreamEngine::AskThread(std::unique_lock<std::mutex> &lock, bool &wish)
     }
     wake_.notify_one();
     idle_.wait(lock, [&] { return !wish || wantsQuit_; });
-}
-
-// Large transfers need memory in one piece, which a system that has run for a while may not have.
-StreamLayout StreamEngine::Negotiate(GenCp &control)
-{
-    for (std::size_t size = maxTransferSize_;; size /= 2) {
-        const StreamLayout layout =
-            NegotiateLayout(control, camera_->Map().sirm, link_.MaxPacketSize(Pipe::Stream), size);
-        if (layout.MaxSlot() <= safeTransferSize || HasMemoryFor(link_, Pipe::Stream, layout.MaxSlot()))
-            return layout;
-        LogDevice(CAM_LOG_LEVEL_WARN, "stream of %s: no memory for transfers of %zu bytes: trying half of it",
-                  link_.Identity().serial.c_str(), layout.MaxSlot());
-    }
-}
-
-void StreamEngine::PrepareFrames(const StreamLayout &layout)
-{
-    const std::size_t fitting = budget_ / std::max<std::size_t>(layout.BytesInFlight(), 1);
-    const std::size_t count = std::clamp(fitting, minFrames, maxFrames);
-    if (layout == layout_ && count == frames_.size())
-        return;
-    layout_ = {};
-    frames_.clear();
-    BulkIn::Listener &listener = *this;
-    spill_ = std::make_unique_for_overwrite<std::byte[]>(layout.MaxSlot());
-    for (std::size_t i = 0; i < count; ++i)
-        frames_.push_back(
-            std::make_unique<StreamFrame>(link_, listener, layout, i, std::span(spill_.get(), layout.MaxSlot())));
-    layout_ = layout;
-    head_ = 0;
-}
-
-void StreamEngine::StopCamera()
-{
-    GenCp &control = camera_->Control();
-    const std::uint64_t sirm = camera_->Map().sirm;
-    if (ReadRegister(control, sirm, Sirm::control) != 0) {
-        WriteRegister(control, sirm, Sirm::control, 0U);
-        camera_->ForgetCached();
-    }
-}
-
-void StreamEngine::ClearEndpoint()
-{
-    link_.SetHalt(Pipe::Stream);
-    link_.ClearHalt(Pipe::Stream);
 }
 
 void StreamEngine::OnGone() noexcept

@@ -72,7 +72,9 @@ class StreamEngine final : private BulkIn::Listener, private Camera::Channel {
     std::unique_lock<std::mutex> LockOperation();
     /// Has the stream's thread do something and waits for it; on that thread itself, does it.
     void AskThread(std::unique_lock<std::mutex> &lock, bool &wish);
-    StreamLayout Negotiate(GenCp &control);
+    StreamLayout Negotiate(std::size_t maxTransferSize);
+    bool IsStarved() const;
+    void Shrink(std::unique_lock<std::mutex> &lock);
     void PrepareFrames(const StreamLayout &layout);
     void StopCamera();
     void ClearEndpoint();
@@ -103,7 +105,9 @@ class StreamEngine final : private BulkIn::Listener, private Camera::Channel {
     bool isCameraClosed_ = false;
     bool wantsPost_ = false, wantsStop_ = false, wantsFlush_ = false, wantsQuit_ = false;
     int realigned_ = 0; // times in a row
+    int refusals_ = 0;  // of memory for a transfer, in a row and with no other to wait for
     Deadline notBefore_{};
+    std::uint32_t acquisitionMode_ = 0;
     std::optional<std::uint64_t> lastBlockId_;
     std::uint64_t toldBlockId_ = 0; // of the last frame, wrong or not
     std::atomic<std::uint64_t> lostCount_ = 0;

@@ -77,6 +77,10 @@ bool StreamEngine::Work(std::unique_lock<std::mutex> &lock)
         FinishHead(lock);
         return true;
     }
+    if (IsStarved()) {
+        Shrink(lock);
+        return true;
+    }
     if (CanPost()) {
         PostNext(lock);
         return true;
@@ -115,11 +119,14 @@ void StreamEngine::PostNext(std::unique_lock<std::mutex> &lock)
         lock.unlock();
         frame.Submit(transfer);
         lock.lock();
-        if (!isRefused_)
+        if (!isRefused_) {
+            refusals_ = 0;
             continue;
+        }
+        refusals_ = bytesInFlight_ < layout_.MaxSlot() ? refusals_ + 1 : 0;
         frame.UncountPosted();
         notBefore_ = Clock::now() + std::chrono::milliseconds(10);
-        const std::size_t fitting = std::max(bytesInFlight_, layout_.transferSize);
+        const std::size_t fitting = std::max(bytesInFlight_, layout_.leaderSize + layout_.transferSize);
         if (fitting < budget_)
             LogDevice(CAM_LOG_LEVEL_WARN,
                       "stream of %s: no memory for more than %zu bytes of transfers: going on with "
