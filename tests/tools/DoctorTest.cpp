@@ -122,6 +122,7 @@ TEST_F(DoctorTest, CameraOnUsb2IsWarnedOf)
     ASSERT_EQ(findings.size(), 2U);
     EXPECT_EQ(findings[1].verdict, Verdict::Warn);
     EXPECT_THAT(findings[1].text, HasSubstr("480 Mbit/s at port 2-1"));
+    EXPECT_THAT(findings[1].remedy, HasSubstr("use a USB 3 port, cable and hub"));
 }
 
 TEST_F(DoctorTest, DeniedCameraFailsWithWhatIsMissing)
@@ -155,6 +156,7 @@ TEST_F(DoctorTest, CameraWithoutItsDeviceFileFails)
     fs::remove(machine.At(node));
     EXPECT_EQ(OfCamera()[0].verdict, Verdict::Fail);
     EXPECT_THAT(OfCamera()[0].text, HasSubstr("No such file"));
+    EXPECT_THAT(OfCamera()[0].remedy, HasSubstr("plug the camera in again; in a container say --device=/dev/bus/usb"));
 }
 
 TEST_F(DoctorTest, KernelDriverOrProgramOnTheCameraIsToldOf)
@@ -174,6 +176,7 @@ TEST_F(DoctorTest, KernelDriverOrProgramOnTheCameraIsToldOf)
 TEST_F(DoctorTest, RuleIsReadWhereUdevReadsIt)
 {
     EXPECT_EQ(OfRule().verdict, Verdict::Warn) << "no camera is kept closed by its absence";
+    EXPECT_EQ(OfRule().remedy, InstallRuleCommand("/sdk"));
     for (const char *where : {"/usr/lib/udev/rules.d/70-u3v.rules", "/etc/udev/rules.d/60-other.rules"}) {
         Put(where, goodRule);
         EXPECT_EQ(OfRule().verdict, Verdict::Ok);
@@ -200,6 +203,7 @@ TEST_F(DoctorTest, RuleThatDoesNotWorkIsToldWhy)
         EXPECT_EQ(OfRule().verdict, Verdict::Warn);
         EXPECT_THAT(OfRule().text, HasSubstr(path));
         EXPECT_THAT(OfRule().text, HasSubstr(row.why));
+        EXPECT_EQ(OfRule().remedy, InstallRuleCommand("/sdk"));
         fs::remove(machine.At(path));
     }
     Put("/etc/udev/rules.d/99-u3v.rules", matches + "MODE=\"0666\"\n");
@@ -218,8 +222,10 @@ TEST_F(DoctorTest, KernelWithoutUsbMattersToRealCameras)
 {
     EXPECT_EQ(CheckKernel(machine, Wanted::RealCameras).verdict, Verdict::Fail);
     EXPECT_EQ(CheckKernel(machine, Wanted::VirtualCameras).verdict, Verdict::Warn);
+    EXPECT_THAT(CheckKernel(machine, Wanted::VirtualCameras).remedy, HasSubstr("sudo modprobe usbcore"));
     Put("/sys/bus/usb/devices/usb1/speed");
     EXPECT_THAT(CheckKernel(machine, Wanted::RealCameras).text, HasSubstr("/dev/bus/usb is missing"));
+    EXPECT_THAT(CheckKernel(machine, Wanted::RealCameras).remedy, HasSubstr("--device=/dev/bus/usb"));
     Put(node);
     EXPECT_EQ(CheckKernel(machine, Wanted::RealCameras).verdict, Verdict::Ok);
 }
@@ -249,12 +255,14 @@ TEST_F(DoctorTest, UsbMemoryHasToDoForAllCameras)
 TEST_F(DoctorTest, CamerasOfTheKernelHaveToReachTheLibrary)
 {
     EXPECT_EQ(CheckCameras({}, {}).verdict, Verdict::Warn);
+    EXPECT_THAT(CheckCameras({}, {}).remedy, HasSubstr("lsusb"));
     PlugCamera();
     CameraEntry entry;
     entry.serial = "VC000001";
     EXPECT_EQ(CheckCameras({entry}, {}).verdict, Verdict::Ok);
     EXPECT_EQ(CheckCameras({entry}, {Camera()}).verdict, Verdict::Fail);
     EXPECT_THAT(CheckCameras({entry}, {Camera()}).text, HasSubstr("C1 (Maker Eye 5)"));
+    EXPECT_THAT(CheckCameras({entry}, {Camera()}).remedy, HasSubstr("mend what is said of them above"));
     CameraEntry real;
     real.serial = "C1";
     EXPECT_EQ(CheckCameras({entry, real}, {Camera()}).text, "2 cameras: VC000001, C1");
@@ -267,7 +275,10 @@ TEST_F(DoctorTest, ConfigurationIsFoundBelowTheSdk)
     Put("/lib/OrviCamSDK.cfg");
     EXPECT_EQ(CheckConfiguration(sdk).text, sdk + "/lib/OrviCamSDK.cfg");
     fs::permissions(machine.At("/lib/OrviCamSDK.cfg"), fs::perms::none);
-    EXPECT_TRUE(PassesAsNobody(folder.Path(), [&] { EXPECT_EQ(CheckConfiguration(sdk).verdict, Verdict::Warn); }));
+    EXPECT_TRUE(PassesAsNobody(folder.Path(), [&] {
+        EXPECT_EQ(CheckConfiguration(sdk).verdict, Verdict::Warn);
+        EXPECT_EQ(CheckConfiguration(sdk).remedy, "sudo chmod a+r '" + sdk + "/lib/OrviCamSDK.cfg'");
+    }));
 }
 
 TEST_F(DoctorTest, CacheFolderHasToTakeFiles)
@@ -280,6 +291,7 @@ TEST_F(DoctorTest, CacheFolderHasToTakeFiles)
     }
     const ScopedVariable variable("GENICAM_CACHE_V3_0", cache);
     EXPECT_THAT(CheckCache().text, HasSubstr("is no folder"));
+    EXPECT_EQ(CheckCache().remedy, "mkdir -p '" + cache + "'");
     fs::create_directory(cache);
     EXPECT_EQ(CheckCache().verdict, Verdict::Ok);
     fs::permissions(cache, fs::perms(0555));
@@ -287,6 +299,27 @@ TEST_F(DoctorTest, CacheFolderHasToTakeFiles)
         EXPECT_EQ(CheckCache().verdict, Verdict::Warn);
         EXPECT_THAT(CheckCache().remedy, HasSubstr("sudo chown"));
     }));
+}
+
+TEST_F(DoctorTest, CacheWithoutAHomeIsWarnedOf)
+{
+    const ScopedVariable variable("GENICAM_CACHE_V3_0", std::nullopt), home("HOME", std::nullopt);
+    EXPECT_EQ(CheckCache().verdict, Verdict::Warn);
+    EXPECT_THAT(CheckCache().remedy, HasSubstr("export HOME="));
+}
+
+TEST_F(DoctorTest, WrongVariablesAreToldWithTheirRemedies)
+{
+    const auto remediesOf = [](const char *cameras, const char *kinds) {
+        const ScopedVariable count("ORVI_VIRTUAL_CAMERAS", cameras);
+        const ScopedVariable transport("ORVI_TRANSPORT", kinds);
+        const Findings findings = CheckVariables();
+        return std::pair(findings[0].remedy, findings[1].remedy);
+    };
+    EXPECT_EQ(remediesOf("", ""), std::pair(std::string(), std::string()));
+    EXPECT_EQ(remediesOf("65", "virtual"),
+              std::pair(std::string("export ORVI_VIRTUAL_CAMERAS=1"), std::string("unset ORVI_TRANSPORT")));
+    EXPECT_EQ(remediesOf("no.toml", "usb").first, "orvicam vcam check 'no.toml'");
 }
 
 TEST_F(DoctorTest, VariablesAreUnderstood)

@@ -182,6 +182,7 @@ class Doctor(OrvicamTest):
         found = {finding["check"]: finding for finding in result.json()["findings"]}
         self.assertEqual((result.code, found["transport"]["verdict"]), (1, "fail"))
         self.assertIn(str(self.folder / "nothing"), found["transport"]["text"])
+        self.assertEqual(found["transport"]["remedy"], "export ORVICAMSDK=/opt/OrviCamSDK")
 
 
 COMPLETION = Path(__file__).resolve().parents[2] / "tools/orvicam/completion.bash"
