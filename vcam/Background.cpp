@@ -18,11 +18,8 @@ class Lights {
 
     void Fill(int64_t y, std::vector<Signal> &line)
     {
-        if (scene_.HasImage()) {
-            line.resize(width_);
-            for (size_t i = 0; i < width_; ++i) {
-                line[i] = scene_.Light(static_cast<int64_t>(i) - 1, y);
-            }
+        if (scene_.Image() != nullptr) {
+            FillWithImage(y, line);
             return;
         }
         const Signal corner = scene_.Light(-1, y);
@@ -45,6 +42,20 @@ class Lights {
     }
 
   private:
+    void FillWithImage(int64_t y, std::vector<Signal> &line)
+    {
+        const SceneImage &image = *scene_.Image();
+        for (size_t i = columns_.size(); i < width_; ++i) {
+            columns_.push_back(scene_.ImageColumn(static_cast<int64_t>(i) - 1));
+        }
+        line.assign(width_, Grey(0));
+        const std::optional<uint32_t> row = scene_.ImageLine(y);
+        for (size_t i = 0; row && i < width_; ++i) {
+            if (columns_[i]) {
+                line[i] = image.At(*columns_[i], *row);
+            }
+        }
+    }
     Signal First()
     {
         if (!first_) {
@@ -55,63 +66,52 @@ class Lights {
 
     const Scene &scene_;
     const size_t width_;
+    std::vector<std::optional<uint32_t>> columns_; // of the image
     std::optional<Signal> first_;
     std::vector<Signal> boards_[2];
     int32_t boardGreen_[2]{};
 };
 
-/// What development makes of each brightness, as long as colours do not mix.
-std::vector<Signal> MakeTones(const Scene &scene, const PictureSettings &settings)
+void Sharpen(const Signal *above, const Signal *here, const Signal *below, int32_t sharpness, std::span<Signal> to)
 {
-    const int32_t brightest = settings.sharpness != 0 ? scene.MaxSharpLight() : scene.MaxLight();
-    std::vector<Signal> tones;
-    tones.reserve(static_cast<size_t>(brightest) + 1);
-    const bool isFinished = !scene.Develop().MixesColours();
-    for (int32_t light = 0; light <= brightest; ++light) {
-        tones.push_back(isFinished ? scene.Develop()(Grey(light)) : scene.Develop().Expose(Grey(light)));
+    const auto sharpen = [=](size_t x, int32_t Signal::*colour) {
+        const int32_t own = here[x].*colour;
+        const int32_t around = (here - 1)[x].*colour + (here + 1)[x].*colour + above[x].*colour + below[x].*colour;
+        return std::max(0, own + (4 * own - around) * sharpness / 8);
+    };
+    for (size_t x = 0; x < to.size(); ++x) {
+        to[x] = {sharpen(x, &Signal::red), sharpen(x, &Signal::green), sharpen(x, &Signal::blue)};
     }
-    return tones;
 }
 
 void DrawScene(const Scene &scene, const PictureSettings &settings, std::span<std::byte> image)
 {
     const PixelFormat &format = settings.Format();
-    const std::vector<Signal> tones = MakeTones(scene, settings);
+    const Development &develop = scene.Develop();
     const bool isMono = format.colours == Colours::Mono;
-    const bool mixesColours = scene.Develop().MixesColours();
-    const auto sharpness = static_cast<int32_t>(settings.sharpness);
-    const auto tone = [&tones](int32_t light) -> const Signal & { return tones[static_cast<size_t>(light)]; };
+    const bool isSharpened = settings.sharpness != 0;
 
     Lights lights(scene, settings);
-    std::vector<Signal> above, here, below, signals(settings.width);
+    std::vector<Signal> above, here, below, line(settings.width);
     lights.Fill(0, here);
-    if (sharpness != 0) {
+    if (isSharpened) {
         lights.Fill(-1, above);
         lights.Fill(1, below);
     }
     std::byte *to = image.data();
     for (uint32_t y = 0; y < settings.height; ++y) {
-        for (size_t x = 0; x < signals.size(); ++x) {
-            const size_t at = x + 1;
-            Signal light = here[at];
-            if (sharpness != 0) {
-                const auto sharpen = [&](int32_t Signal::*colour) {
-                    const int32_t own = light.*colour;
-                    const int32_t difference =
-                        4 * own - here[at - 1].*colour - here[at + 1].*colour - above[at].*colour - below[at].*colour;
-                    return std::max(0, own + difference * sharpness / 8);
-                };
-                light = {sharpen(&Signal::red), sharpen(&Signal::green), sharpen(&Signal::blue)};
-            }
-            if (isMono) {
-                signals[x] = tone((light.red + 2 * light.green + light.blue) / 4);
-                continue;
-            }
-            const Signal signal{tone(light.red).red, tone(light.green).green, tone(light.blue).blue};
-            signals[x] = mixesColours ? scene.Develop().Finish(signal) : signal;
+        std::span<const Signal> light(here.data() + 1, line.size());
+        if (isSharpened) {
+            Sharpen(above.data() + 1, light.data(), below.data() + 1, static_cast<int32_t>(settings.sharpness), line);
+            light = line;
         }
-        to = EncodePixels(format, signals, 0, y, to);
-        if (sharpness != 0) {
+        if (isMono) {
+            to = EncodeEach(format, line.size(), 0, y, to,
+                            [&develop, light](size_t x) { return Grey(develop.Brightness(light[x])); });
+        } else {
+            to = EncodePixels(format, develop.Line(light, line), 0, y, to);
+        }
+        if (isSharpened) {
             std::swap(above, here);
             std::swap(here, below);
             lights.Fill(int64_t{y} + 2, below);

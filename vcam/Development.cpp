@@ -30,14 +30,14 @@ double HueAndSaturation(const PictureSettings &settings, int row, int column)
 /// Ten bits of the signal choose the entry; its ten bits are spread over the range again.
 int32_t LookUp(const std::vector<std::uint16_t> &lut, int32_t value)
 {
-    const int32_t entry = lut[static_cast<std::size_t>(value) >> 2];
-    return entry << 2 | entry >> 8;
+    const int32_t entry = lut[static_cast<std::size_t>(value) >> 6];
+    return entry << 6 | entry >> 4;
 }
 
 } // namespace
 
 Development::Development(const PictureSettings &settings)
-    : isMono_(settings.Format().colours == Colours::Mono), blackLevel_(static_cast<int32_t>(settings.blackLevel))
+    : isMono_(settings.Format().colours == Colours::Mono), blackLevel_(16 * static_cast<int32_t>(settings.blackLevel))
 {
     const double gain = std::pow(10.0, settings.gain / 2000.0);
     // A bin sums up the light of its pixels.
@@ -60,36 +60,25 @@ Development::Development(const PictureSettings &settings)
     if (settings.gamma == 100 && settings.lut.empty()) {
         return;
     }
-    for (int32_t i = 0; i <= s_white; ++i) {
-        const double bent = s_white * std::pow(i / double{s_white}, settings.gamma / 100.0);
+    constexpr int32_t steps = (s_white >> s_curveShift) + 1;
+    curve_.reserve(steps);
+    for (int32_t i = 0; i < steps; ++i) {
+        const double bent = s_white * std::pow(i / double{steps - 1}, settings.gamma / 100.0);
         const auto value = static_cast<int32_t>(std::llround(bent));
         curve_.push_back(static_cast<std::uint16_t>(settings.lut.empty() ? value : LookUp(settings.lut, value)));
     }
 }
 
-Signal Development::operator()(Signal light) const { return Finish(Expose(light)); }
-
-Signal Development::Expose(Signal light) const
+std::span<const Signal> Development::Line(std::span<const Signal> light, std::span<Signal> room) const
 {
-    if (isMono_) {
-        light = Grey((light.red + 2 * light.green + light.blue) / 4);
+    constexpr std::int64_t unchanged = 65536;
+    const bool isNeutral = redFactor_ == unchanged && greenFactor_ == unchanged && blueFactor_ == unchanged &&
+                           blackLevel_ == 0 && !mixesColours_ && curve_.empty();
+    if (isNeutral) {
+        return light;
     }
-    const auto expose = [this](int32_t value, int64_t factor) {
-        return static_cast<int32_t>(std::min<int64_t>((value * factor >> 16) + blackLevel_, s_white));
-    };
-    return {expose(light.red, redFactor_), expose(light.green, greenFactor_), expose(light.blue, blueFactor_)};
-}
-
-Signal Development::Finish(Signal signal) const
-{
-    if (mixesColours_) {
-        const auto mix = [&signal](const int64_t(&row)[3]) {
-            const int64_t sum = row[0] * signal.red + row[1] * signal.green + row[2] * signal.blue;
-            return static_cast<int32_t>(std::clamp<int64_t>(sum / 4096, 0, s_white));
-        };
-        signal = {mix(colours_[0]), mix(colours_[1]), mix(colours_[2])};
-    }
-    return {Bend(signal.red), Bend(signal.green), Bend(signal.blue)};
+    std::ranges::transform(light, room.begin(), [this](Signal one) { return Colour(one); });
+    return room;
 }
 
 } // namespace Orvi::Vcam

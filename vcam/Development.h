@@ -3,24 +3,51 @@
 
 #include "vcam/PictureSettings.h"
 
+#include <algorithm>
+#include <span>
+
 namespace Orvi::Vcam {
 
 class Development {
   public:
     explicit Development(const PictureSettings &settings);
 
-    Signal operator()(Signal light) const;
-    /// The first part alone: what the sensor delivers. Each colour of the signal depends on that colour of the light.
-    Signal Expose(Signal light) const;
-    /// The second part: colours that mix.
-    Signal Finish(Signal signal) const;
-    /// Whether Finish() mixes colours at all.
-    bool MixesColours() const { return mixesColours_; }
+    Signal operator()(Signal light) const { return isMono_ ? Grey(Brightness(light)) : Colour(light); }
+    /// Of a camera without colours: all three are this.
+    std::int32_t Brightness(Signal light) const
+    {
+        return Bend(Expose((light.red + 2 * light.green + light.blue) / 4, greenFactor_));
+    }
+    /// Of a camera with colours.
+    Signal Colour(Signal light) const
+    {
+        Signal signal{Expose(light.red, redFactor_), Expose(light.green, greenFactor_),
+                      Expose(light.blue, blueFactor_)};
+        if (mixesColours_) {
+            signal = {Mix(colours_[0], signal), Mix(colours_[1], signal), Mix(colours_[2], signal)};
+        }
+        return {Bend(signal.red), Bend(signal.green), Bend(signal.blue)};
+    }
+
+    /// The same for pixels side by side. The result lies in `room`, unless nothing is changed: then it is the light.
+    std::span<const Signal> Line(std::span<const Signal> light, std::span<Signal> room) const;
 
   private:
+    /// Gamma is a table of twelve bits.
+    static constexpr int s_curveShift = 4;
+
+    std::int32_t Expose(std::int32_t light, std::int64_t factor) const
+    {
+        return static_cast<std::int32_t>(std::min<std::int64_t>((light * factor >> 16) + blackLevel_, s_white));
+    }
+    static std::int32_t Mix(const std::int64_t (&row)[3], Signal signal)
+    {
+        const std::int64_t sum = row[0] * signal.red + row[1] * signal.green + row[2] * signal.blue;
+        return static_cast<std::int32_t>(std::clamp<std::int64_t>(sum / 4096, 0, s_white));
+    }
     std::int32_t Bend(std::int32_t value) const
     {
-        return curve_.empty() ? value : curve_[static_cast<std::size_t>(value)];
+        return curve_.empty() ? value : curve_[static_cast<std::size_t>(value) >> s_curveShift];
     }
 
     bool isMono_;

@@ -1,8 +1,9 @@
 #pragma once
-// What an image depends on, and the values that its pixels have before they are encoded.
+// What an image depends on.
 
 #include "vcam/Defects.h"
 #include "vcam/PixelFormats.h"
+#include "vcam/Signal.h"
 #include "vcam/image/SceneImage.h"
 
 #include <array>
@@ -39,13 +40,5 @@ struct PictureSettings {
     std::size_t LineBytes() const { return Format().BytesBefore(width); }
     std::size_t ImageBytes() const { return LineBytes() * height; }
 };
-
-/// Light or signal of the three colours, 0 to s_white.
-struct Signal {
-    std::int32_t red, green, blue;
-};
-constexpr std::int32_t s_white = 4095;
-
-inline Signal Grey(std::int32_t value) { return {value, value, value}; }
 
 } // namespace Orvi::Vcam

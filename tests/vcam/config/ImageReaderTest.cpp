@@ -8,13 +8,6 @@
 namespace Orvi::Vcam::Test {
 namespace {
 
-/// Light of a sample, whose upper bits are the sample's.
-std::uint16_t LightOf(std::uint16_t value, std::uint32_t bits)
-{
-    return static_cast<std::uint16_t>(bits > 12 ? value >> (bits - 12)
-                                                : value << (12 - bits) | value >> (2 * bits - 12));
-}
-
 void ExpectSamples(const SceneImage &image, const Samples &samples, std::uint32_t channels)
 {
     ASSERT_EQ(image.width, samples.width);
@@ -22,7 +15,8 @@ void ExpectSamples(const SceneImage &image, const Samples &samples, std::uint32_
     ASSERT_EQ(image.channels, channels);
     ASSERT_EQ(image.samples.size(), std::size_t{samples.width} * samples.height * channels);
     for (std::size_t i = 0; i < image.samples.size(); ++i) {
-        ASSERT_EQ(image.samples[i], LightOf(samples.values[i * samples.channels / channels], samples.bits)) << i;
+        // A sample is the upper bits of its light.
+        ASSERT_EQ(image.samples[i] >> (16 - samples.bits), samples.values[i * samples.channels / channels]) << i;
     }
 }
 
@@ -87,7 +81,19 @@ TEST_F(ImageReader, PnmOfEveryKind)
         }
     }
     // A largest sample of any value is white.
-    EXPECT_EQ(Decode("P2 3 1 100 0 50 100").samples, (std::vector<std::uint16_t>{0, 2048, 4095}));
+    EXPECT_EQ(Decode("P2 3 1 100 0 50 100").samples, (std::vector<std::uint16_t>{0, 32768, 65535}));
+}
+
+TEST(ToLight, BlackAndWhiteStayAndBitsAreKept)
+{
+    for (std::uint32_t bits = 1; bits <= 16; ++bits) {
+        const std::uint32_t maximum = (1u << bits) - 1;
+        EXPECT_EQ(ToLight(0, maximum), 0u);
+        EXPECT_EQ(ToLight(maximum, maximum), s_white);
+        for (std::uint32_t sample = 0; sample <= maximum; ++sample) {
+            ASSERT_EQ(ToLight(sample, maximum) >> (16 - bits), sample) << bits;
+        }
+    }
 }
 
 TEST_F(ImageReader, WhatIsBrokenIsTold)

@@ -105,15 +105,44 @@ TEST_F(ImageSourceTest, ColoursComeBitExactAndAsBayerAndMono)
     }
 }
 
-TEST_F(ImageSourceTest, SixteenBitsKeepTheirUpperTwelve)
+TEST_F(ImageSourceTest, SixteenBitsComeBitExact)
 {
+    constexpr std::uint32_t mono16 = 0x01100007;
     const Samples samples = MakeSamples(s_width, s_height, 1, 16);
+    std::string raw;
+    for (const std::uint16_t value : samples.values) {
+        raw.append(1, static_cast<char>(value & 0xFF)).append(1, static_cast<char>(value >> 8));
+    }
+    WritePng(At("a.png"), samples);
     WriteTiff(At("a.tif"), samples);
-    Source source(Config("source = 'images'\npath = 'a.tif'"));
-    source.Registers().Write(Reg::PixelFormat, s_mono12);
+    Write("a.pgm", BinaryPnm(samples));
+    Write("a.raw", raw);
+    for (const std::string source : {"source = 'images'\npath = 'a.png'", "source = 'images'\npath = 'a.tif'",
+                                     "source = 'images'\npath = 'a.pgm'",
+                                     "source = 'raw'\npath = 'a.raw'\nwidth = 64\nheight = 16\n"
+                                     "pixel_format = 'Mono16'"}) {
+        Source camera(Config(source));
+        for (const auto &[format, bits] : {std::pair(mono16, 16), std::pair(s_mono12, 12)}) {
+            camera.Registers().Write(Reg::PixelFormat, format);
+            const std::vector<std::byte> image = camera.Only();
+            for (std::size_t i = 0; i < samples.values.size(); ++i) {
+                ASSERT_EQ(LoadLe<std::uint16_t>(&image[2 * i]), samples.values[i] >> (16 - bits)) << source;
+            }
+        }
+    }
+}
+
+TEST_F(ImageSourceTest, GainActsOnAllSixteenBits)
+{
+    const std::string text = "P2 4 1 65535 1 1000 32767 40000";
+    Write("a.pgm", text);
+    Source source(Config("source = 'images'\npath = 'a.pgm'"));
+    source.Registers().Write(Reg::PixelFormat, 0x01100007);
+    source.Registers().Write(Block::ExposureTime + 0x1C, 20000); // twice the light
     const std::vector<std::byte> image = source.Only();
-    for (std::size_t i = 0; i < samples.values.size(); ++i) {
-        ASSERT_EQ(LoadLe<std::uint16_t>(&image[2 * i]), samples.values[i] >> 4);
+    constexpr std::uint16_t wanted[] = {2, 2000, 65534, 65535};
+    for (std::size_t i = 0; i < std::size(wanted); ++i) {
+        EXPECT_EQ(LoadLe<std::uint16_t>(&image[2 * i]), wanted[i]);
     }
 }
 
