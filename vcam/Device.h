@@ -1,9 +1,10 @@
 #pragma once
 // The virtual camera put together: endpoints, registers, control server, events, and the thread on which the sensor
-// lives. Its sources: Device.cpp (USB side and plug), PowerUp.cpp (initial registers), DeviceRegisters.cpp (what writes
-// mean), DeviceCommands.cpp (commands and user sets), DeviceFeatures.cpp (features that act), DeviceTriggers.cpp
-// (triggers, lines and timers), DevicePicture.cpp (settings of an image), DeviceSensor.cpp (acquisition),
-// DeviceStream.cpp (images on their way to the host), DeviceFaults.cpp (scripted faults).
+// lives. Its sources: Device.cpp (USB side), DeviceControl.cpp (commands of the host and their acknowledges),
+// DevicePlug.cpp (unplugging), PowerUp.cpp (initial registers), DeviceRegisters.cpp (what writes mean),
+// DeviceCommands.cpp (commands and user sets), DeviceFeatures.cpp (features that act), DeviceTriggers.cpp (triggers,
+// lines and timers), DevicePicture.cpp (settings of an image), DeviceSensor.cpp (acquisition), DeviceStream.cpp (images
+// on their way to the host), DeviceFaults.cpp (scripted faults).
 
 #include "vcam/Alarm.h"
 #include "vcam/ControlBlocks.h"
@@ -91,13 +92,17 @@ class Device final : public VirtualCamera, private GenCpMemory {
     // Device.cpp
     UsbIdentity Describe() const;
     InEndpoint *In(Endpoint endpoint);
+    std::vector<std::byte> TakeEvents();
+
+    // DeviceControl.cpp
     TransferStatus Execute(std::span<const std::byte> command);
     void QueueAcks(std::span<const std::byte> command, GenCpServer::Packet ack, const std::vector<FaultRule> &faults);
     void QueueAck(Ack ack);
     void SendLate(const Ack &ack, std::uint64_t powerUps);
-    std::vector<std::byte> TakeEvents();
     std::vector<std::byte> TakeAck();
     void AckSent();
+
+    // DevicePlug.cpp
     void TellObserver();
 
     // DeviceRegisters.cpp
@@ -121,10 +126,11 @@ class Device final : public VirtualCamera, private GenCpMemory {
     void CarryOut(std::uint32_t acquisitionCommand);
     void FinishCommand(std::uint64_t address, std::chrono::milliseconds atLeast = {});
     void RefreshCommands();
-    bool IsUserSetBusy() const;
+    bool IsUserSetBusy(std::uint64_t command) const;
     void SaveUserSet(std::size_t number);
     void LoadUserSet(std::size_t number);
     void KeepState();
+    void KeepFrontState();
 
     // DeviceFeatures.cpp: features that react to writes or act by themselves
     bool WrittenFeature(std::uint64_t address, std::uint32_t value);
@@ -151,6 +157,7 @@ class Device final : public VirtualCamera, private GenCpMemory {
 
     // PowerUp.cpp
     void PowerUp();
+    void SetPresets();
 
     // DeviceFaults.cpp
     bool MayArm() const;

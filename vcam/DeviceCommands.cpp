@@ -98,18 +98,15 @@ void Device::RefreshCommands()
         }
         return isDone;
     });
-    registers_.SetWord(Reg::UserSetDone, IsUserSetBusy() ? 0 : 1);
+    const bool isBusy = commands_.contains(Reg::UserSetSave) || commands_.contains(Reg::UserSetLoad);
+    registers_.SetWord(Reg::UserSetDone, isBusy ? 0 : 1);
 }
 
-bool Device::IsUserSetBusy() const
+/// Whether a command of user sets would meet one that is under way, or that comes before it in the same write.
+bool Device::IsUserSetBusy(std::uint64_t command) const
 {
-    const Clock::time_point now = Clock::now();
-    for (const std::uint64_t command : {Reg::UserSetSave, Reg::UserSetLoad}) {
-        if (const auto found = commands_.find(command); found != commands_.end() && found->second > now) {
-            return true;
-        }
-    }
-    return false;
+    const std::uint64_t other = command == Reg::UserSetSave ? Reg::UserSetLoad : Reg::UserSetSave;
+    return commands_.contains(command) || registers_.Word(other) != 0;
 }
 
 void Device::SaveUserSet(std::size_t number)
@@ -140,6 +137,21 @@ void Device::LoadUserSet(std::size_t number)
     ClearImageBuffer();
     inputLevel_ = LineStates() & 1;
     UpdatePayloadSize();
+}
+
+/// What the command under way has changed in the front.
+void Device::KeepFrontState()
+{
+    std::optional<std::string> state = front_ ? front_->TakeState() : std::nullopt;
+    if (!state) {
+        return;
+    }
+    {
+        const Lock lock(mutex_);
+        stored_.front = std::move(*state);
+        isStateChanged_ = true;
+    }
+    KeepState();
 }
 
 /// Into the state file, which has it before the command is answered.

@@ -118,6 +118,7 @@ void Device::ActOn(const std::vector<FaultRule> &rules)
 /// A register that hosts may write takes what they could write now; of others only the memory changes.
 void Device::Poke(std::uint64_t address, std::uint32_t value)
 {
+    RefreshCommands();
     if (registers_.CheckWrite(address, sizeof value) != GenCpStatus::Success) {
         registers_.SetWord(address, value);
     } else if (CheckQuadlet(address, value) == GenCpStatus::Success) {

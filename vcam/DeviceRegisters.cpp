@@ -40,6 +40,7 @@ GenCpStatus Device::Write(std::uint64_t address, std::span<const std::byte> from
 /// All or nothing: each quadlet is checked against those before it, and nothing happens until all have passed.
 GenCpStatus Device::WriteQuadlets(std::uint64_t address, std::span<const std::byte> from)
 {
+    RefreshCommands(); // what is done by now is in nobody's way
     const std::span<std::byte> target = registers_.Bytes(address, from.size());
     const std::vector<std::byte> before(target.begin(), target.end());
     GenCpStatus status = GenCpStatus::Success;
@@ -87,7 +88,7 @@ GenCpStatus Device::CheckQuadlet(std::uint64_t address, std::uint32_t value) con
         return GenCpStatus::AccessDenied;
     }
     // A set is stored or loaded to its end before the next one.
-    if ((address == Reg::UserSetSave || address == Reg::UserSetLoad) && IsUserSetBusy()) {
+    if ((address == Reg::UserSetSave || address == Reg::UserSetLoad) && IsUserSetBusy(address)) {
         return GenCpStatus::Busy;
     }
     // The default set is the factory's: it can be loaded, not saved.

@@ -9,6 +9,29 @@ namespace {
 /// Images per second when nobody specifies the rate.
 constexpr double s_freeRate = 60;
 
+/// What a link carries at best in practice, in bytes per second.
+constexpr double Throughput(LinkSpeed speed)
+{
+    switch (speed) {
+    case LinkSpeed::Low:
+        return 0.1e6;
+    case LinkSpeed::Full:
+        return 1e6;
+    case LinkSpeed::High:
+        return 40e6;
+    case LinkSpeed::Super:
+        return 400e6;
+    case LinkSpeed::SuperPlus:
+        break;
+    }
+    return 850e6;
+}
+
+std::chrono::nanoseconds Seconds(double seconds)
+{
+    return std::chrono::nanoseconds(static_cast<std::int64_t>(1e9 * seconds));
+}
+
 } // namespace
 
 std::uint64_t Device::DeviceTime() const
@@ -25,9 +48,14 @@ Device::Clock::duration Device::FramePeriod() const
     const bool isFree = registers_.Word(Block::FrameRate + 8) == s_modeFree;
     const double rate = isFree ? std::min(s_freeRate, registers_.Word(Block::FrameRate + 0x18) / 1000.0)
                                : registers_.Word(Block::FrameRate + 0x1C) / 1000.0;
-    const std::chrono::microseconds exposure(Exposure());
-    // An image cannot begin before the exposure of the last one has ended.
-    return std::max<Clock::duration>(exposure, std::chrono::nanoseconds(static_cast<std::int64_t>(1e9 / rate)));
+    // An image cannot begin before the exposure of the last one has ended, nor before the link has carried it; images
+    // in the buffer do not use the link.
+    Clock::duration period = std::max<Clock::duration>(std::chrono::microseconds(Exposure()), Seconds(1 / rate));
+    if (config_.isLinkLimiting && IsStreamEnabled() && !IsBuffering()) {
+        const double payload = registers_.Word(Reg::SiRequiredPayload);
+        period = std::max<Clock::duration>(period, Seconds(payload / Throughput(config_.speed)));
+    }
+    return period;
 }
 
 Device::Clock::time_point Device::FrameDue() const

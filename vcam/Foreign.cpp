@@ -8,37 +8,6 @@
 
 namespace Orvi::Vcam {
 
-namespace {
-
-struct Region {
-    std::uint64_t base, size;
-};
-constexpr Region s_virtual = {Reg::Virtual, Reg::VirtualSize};
-constexpr std::uint64_t s_descriptionRoom = 4096; // more than the archive can be longer than the text
-
-constexpr bool IsIn(const Region &region, std::uint64_t address, std::size_t size)
-{
-    return address >= region.base && address - region.base + size <= region.size;
-}
-
-/// The engine's interface registers: a host finds them through pointers.
-std::vector<Region> Interfaces(std::size_t xmlSize)
-{
-    return {{Reg::Sbrm, Reg::SbrmSize},
-            {Reg::Sirm, Reg::SirmSize},
-            {Reg::Eirm, Reg::EirmSize},
-            {Reg::ManifestTable, Reg::ManifestTableSize},
-            {Reg::DescriptionFile, xmlSize + s_descriptionRoom}};
-}
-
-/// Where pointers to them are.
-constexpr std::uint64_t s_pointers[] = {Reg::ManifestTableAddress, Reg::SbrmAddress, Reg::Sbrm + 0x20, Reg::Sbrm + 0x2C,
-                                        Reg::ManifestTable + 8 + 0x08};
-
-constexpr std::size_t s_mostRegister = std::size_t{1} << 24;
-
-} // namespace
-
 ForeignCamera::ForeignCamera(const CameraConfig &config, GenCpMemory &engine)
     : config_(config),
       xml_(ReadForeignXml(config.xml)),
@@ -60,88 +29,6 @@ void ForeignCamera::DeviceSide::Read(std::uint64_t address, std::span<std::byte>
 void ForeignCamera::DeviceSide::Write(std::uint64_t address, std::span<const std::byte> data)
 {
     camera_.memory_.Set(address, data);
-}
-
-std::optional<std::uint64_t> ForeignCamera::EngineAddress(std::uint64_t address, std::size_t size) const
-{
-    if (IsIn({0, Reg::AbrmSize}, address, size)) {
-        return address;
-    }
-    if (IsIn(s_virtual, address, size) && !memory_.Touches(s_virtual.base, s_virtual.size)) {
-        return address;
-    }
-    for (const Region &region : Interfaces(config_.xml.size())) {
-        if (IsIn({region.base + shift_, region.size}, address, size)) {
-            return address - shift_;
-        }
-    }
-    return std::nullopt;
-}
-
-GenCpStatus ForeignCamera::ReadEngine(std::uint64_t address, std::span<std::byte> to)
-{
-    const std::uint64_t from = *EngineAddress(address, to.size());
-    const GenCpStatus status = engine_.Read(from, to);
-    if (status != GenCpStatus::Success || shift_ == 0) {
-        return status;
-    }
-    for (const std::uint64_t pointer : s_pointers) {
-        std::array<std::byte, 8> bytes{};
-        engine_.Read(pointer, bytes);
-        StoreLe(bytes.data(), LoadLe<std::uint64_t>(bytes.data()) + shift_);
-        for (std::size_t i = 0; i < bytes.size(); ++i) {
-            if (pointer + i >= from && pointer + i - from < to.size()) {
-                to[pointer + i - from] = bytes[i];
-            }
-        }
-    }
-    return status;
-}
-
-/// The description's registers come first: what is in their way is elsewhere.
-void ForeignCamera::PlaceInterfaces()
-{
-    constexpr std::uint64_t step = 0x10000000;
-    const std::vector<Region> regions = Interfaces(config_.xml.size());
-    const auto isFree = [&] {
-        return std::ranges::none_of(
-            regions, [&](const Region &region) { return memory_.Touches(region.base + shift_, region.size); });
-    };
-    for (shift_ = 0; !isFree(); shift_ += step) {
-    }
-}
-
-void ForeignCamera::AddRegisters(bool movingOnly)
-{
-    for (const ForeignXml::Register &one : xml_.registers) {
-        if (movingOnly && !one.isMoving) {
-            continue;
-        }
-        const auto place = nodes_.PlaceOf(one.node);
-        const bool isOwn = place && place->size <= s_mostRegister && place->address >= Reg::AbrmSize &&
-                           !(movingOnly && EngineAddress(place->address, place->size));
-        if (isOwn) {
-            memory_.Add(place->address, place->size, one.rights);
-        }
-    }
-}
-
-/// Registers that are found through a selector are there for all of its choices.
-void ForeignCamera::AddSelectedRegisters()
-{
-    const bool isAnyMoving = std::ranges::any_of(xml_.registers, &ForeignXml::Register::isMoving);
-    if (!isAnyMoving) {
-        return;
-    }
-    for (const std::string &selector : nodes_.Selectors()) {
-        const bool isEnumeration = !nodes_.Symbols(selector).empty();
-        nodes_.EachChoice(selector, [&] {
-            AddRegisters(true);
-            if (isEnumeration) {
-                nodes_.MakeValid();
-            }
-        });
-    }
 }
 
 void ForeignCamera::NameDevice()
@@ -185,15 +72,20 @@ void ForeignCamera::PowerUp()
     features_.SetDefaults(xml_.limits, config_.pixelFormats);
     AddRegisters(true);
     AddSelectedRegisters();
+    AddLut();
     features_.SetDefaults(xml_.limits, config_.pixelFormats); // of what the selectors have brought
+    features_.SetLutDefaults();
     SetPresets();
     features_.Apply();
+    features_.PassLut();
     features_.ShowResults();
     userSets_.try_emplace("Default", memory_);
+    Restore();
     if (!defaultUserSet_.empty()) {
         nodes_.SetSymbol("UserSetDefault", defaultUserSet_);
         LoadUserSet(defaultUserSet_);
     }
+    defaultUserSet_ = nodes_.Symbol("UserSetDefault").value_or("");
 }
 
 std::map<EventKind, std::uint16_t> ForeignCamera::EventIds() const
@@ -214,6 +106,9 @@ GenCpStatus ForeignCamera::Read(std::uint64_t address, std::span<std::byte> to)
         return ReadEngine(address, to);
     }
     features_.ShowAutomatic();
+    if (std::ranges::any_of(xml_.lineStatus, [&](const auto &one) { return IsRegisterIn(one, address, to.size()); })) {
+        features_.ShowLines();
+    }
     return memory_.Read(address, to);
 }
 
@@ -238,59 +133,40 @@ GenCpStatus ForeignCamera::Write(std::uint64_t address, std::span<const std::byt
     return status;
 }
 
+/// Whether the register, where it is now, has a byte in the range.
+bool ForeignCamera::IsRegisterIn(const std::string &registerNode, std::uint64_t address, std::size_t size) const
+{
+    const auto place = nodes_.PlaceOf(registerNode);
+    return place && place->address < address + size && address < place->address + place->size;
+}
+
 GenCpStatus ForeignCamera::Follow(std::uint64_t address, std::size_t size)
 {
+    constexpr std::size_t largestEntry = 8; // what is longer may be a look-up table as a whole
     AddRegisters(true);
-    if (const GenCpStatus status = features_.Apply(); status != GenCpStatus::Success) {
+    GenCpStatus status = features_.Apply();
+    if (status == GenCpStatus::Success && size > largestEntry) {
+        status = features_.PassLut();
+    }
+    if (status != GenCpStatus::Success) {
         return status;
     }
     features_.ShowResults();
+    if (const auto symbol = nodes_.Symbol("UserSetDefault"); symbol && !defaultUserSet_.empty()) {
+        isStateChanged_ = isStateChanged_ || *symbol != defaultUserSet_;
+        defaultUserSet_ = *symbol;
+    }
     for (const ForeignXml::Command &command : xml_.commands) {
-        const auto place = nodes_.PlaceOf(command.registerNode);
-        const bool isWritten = place && place->address < address + size && address < place->address + place->size;
-        if (!isWritten || !nodes_.IsPending(command.node)) {
+        if (!IsRegisterIn(command.registerNode, address, size) || !nodes_.IsPending(command.node)) {
             continue;
         }
-        if (const GenCpStatus status = Execute(command.node); status != GenCpStatus::Success) {
+        if (status = Execute(command.node); status != GenCpStatus::Success) {
             return status;
         }
         // Done; a command of the value 0 is so by itself.
         nodes_.SetNumber(command.registerNode, 0);
         break;
     }
-    return GenCpStatus::Success;
-}
-
-GenCpStatus ForeignCamera::Execute(const std::string &command)
-{
-    if (command != "UserSetLoad" && command != "UserSetSave") {
-        return features_.Execute(command);
-    }
-    const std::string name = nodes_.Symbol("UserSetSelector").value_or("UserSet1");
-    if (command == "UserSetLoad") {
-        return LoadUserSet(name);
-    }
-    if (name == "Default") {
-        return GenCpStatus::AccessDenied; // it is the factory's
-    }
-    userSets_[name] = memory_;
-    return GenCpStatus::Success;
-}
-
-GenCpStatus ForeignCamera::LoadUserSet(const std::string &name)
-{
-    // A set that was never saved holds what the factory's does.
-    const auto set = userSets_.find(name);
-    const ForeignMemory before = memory_;
-    const auto selected = nodes_.Symbol("UserSetSelector"), byDefault = nodes_.Symbol("UserSetDefault");
-    memory_ = set == userSets_.end() ? userSets_["Default"] : set->second;
-    if (const GenCpStatus status = features_.Apply(); status != GenCpStatus::Success) {
-        memory_ = before;
-        return status;
-    }
-    nodes_.SetSymbol("UserSetSelector", selected.value_or(""));
-    nodes_.SetSymbol("UserSetDefault", byDefault.value_or(""));
-    features_.ShowResults();
     return GenCpStatus::Success;
 }
 

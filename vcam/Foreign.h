@@ -1,6 +1,7 @@
 #pragma once
 // A camera with another model's description: the host sees registers where that description has them. The standard
 // features among them act on the engine; all others keep what was written.
+// Sources: Foreign.cpp (accesses and power-up), ForeignPlaces.cpp (addresses), ForeignUserSets.cpp.
 
 #include "vcam/ForeignFeatures.h"
 #include "vcam/ForeignMemory.h"
@@ -19,6 +20,8 @@ class ForeignCamera final : public Front {
     std::string_view Xml() const override { return config_.xml; }
     void PowerUp() override;
     std::map<EventKind, std::uint16_t> EventIds() const override;
+    void SetState(std::string state) override { toRestore_ = std::move(state); }
+    std::optional<std::string> TakeState() override;
 
   private:
     /// The same address space for the device's own nodes: without rights, and without effects.
@@ -35,13 +38,18 @@ class ForeignCamera final : public Front {
     std::optional<std::uint64_t> EngineAddress(std::uint64_t address, std::size_t size) const;
     GenCpStatus ReadEngine(std::uint64_t address, std::span<std::byte> to);
     void PlaceInterfaces();
+    void AddRegister(const ForeignXml::Register &one, bool isMoving);
     void AddRegisters(bool movingOnly);
     void AddSelectedRegisters();
+    void AddLut();
     void NameDevice();
     void SetPresets();
+    bool IsRegisterIn(const std::string &registerNode, std::uint64_t address, std::size_t size) const;
     GenCpStatus Follow(std::uint64_t address, std::size_t size);
     GenCpStatus Execute(const std::string &command);
     GenCpStatus LoadUserSet(const std::string &name);
+    std::string Stored() const;
+    void Restore();
 
     const CameraConfig config_;
     const ForeignXml xml_;
@@ -53,6 +61,8 @@ class ForeignCamera final : public Front {
     ForeignFeatures features_;
     std::map<std::string, ForeignMemory> userSets_; // these survive unplugging
     std::string defaultUserSet_;
+    std::string toRestore_; // of an earlier process, until there is a memory to restore it to
+    bool isStateChanged_ = false;
 };
 
 } // namespace Orvi::Vcam

@@ -22,16 +22,22 @@ const char *NodeOf(const ForeignNodes &nodes, const ForeignNumber &row)
     return nodes.Has(row.node) || row.otherNode == nullptr || !nodes.Has(row.otherNode) ? row.node : row.otherNode;
 }
 
-double FactorOf(const ForeignNodes &nodes, const ForeignNumber &row, const char *node)
+double MicrosecondsOf(const ForeignNodes &nodes, const char *node)
 {
     const std::string_view unit = nodes.Unit(node);
-    const double toMicroseconds = unit == "s" ? 1e6 : unit == "ms" ? 1e3 : unit == "ns" ? 1e-3 : 1;
-    return row.factor * (row.isTime ? toMicroseconds : 1);
+    return unit == "s" ? 1e6 : unit == "ms" ? 1e3 : unit == "ns" ? 1e-3 : 1;
+}
+
+double FactorOf(const ForeignNodes &nodes, const ForeignNumber &row, const char *node)
+{
+    constexpr double mostOfFactors = 16; // beyond that it is percent
+    const bool isFactor = row.block == Block::Saturation && nodes.Maximum(node).value_or(100) <= mostOfFactors;
+    return row.factor * (row.isTime ? MicrosecondsOf(nodes, node) : isFactor ? 100 : 1);
 }
 
 bool IsRaw(const ForeignNodes &nodes, const ForeignNumber &row, const char *node)
 {
-    return row.block == Block::Gain && !nodes.IsFloat(node);
+    return row.block == Block::Sharpness || (row.block == Block::Gain && !nodes.IsFloat(node));
 }
 
 } // namespace Orvi::Vcam

@@ -29,6 +29,9 @@ inline constexpr ForeignNumber s_foreignNumbers[] = {
     {"Gain",                  "GainAbs",                 Block::Gain,             100,  false, 0,     0,    24},
     {"BlackLevel",            "BlackLevelRaw",           Block::BlackLevel,       16,   false, 0,     0,    63},
     {"Gamma",                 nullptr,                   Block::Gamma,            100,  false, 1,     0.25, 4},
+    {"Hue",                   nullptr,                   Block::Hue,              10,   false, 0,     -180, 180},
+    {"Saturation",            nullptr,                   Block::Saturation,       1,    false, 100,   0,    200},
+    {"Sharpness",             nullptr,                   Block::Sharpness,        1,    false, 0,     0,    8},
     {"AcquisitionFrameCount", nullptr,                   Block::FrameCount,       1,    false, 1,     1,    65535},
     {"AcquisitionBurstFrameCount", nullptr,              Block::TriggerParameter, 1,    false, 1,     1,    255},
     {"TriggerDelay",          "TriggerDelayAbs",         Block::TriggerDelay,     1,    true,  0,     0,    1000000},
@@ -47,6 +50,16 @@ inline constexpr ForeignSymbol s_autoSymbols[]      = {{"Off", s_modeManual}, {"
 inline constexpr ForeignSymbol s_whiteSymbols[]     = {{"Off", s_modeManual}, {"Once", s_modeOnce}};
 inline constexpr ForeignSymbol s_rateSymbols[]      = {{"Off", s_modeFree}, {"On", s_modeManual}};
 inline constexpr ForeignSymbol s_offOnSymbols[]     = {{"Off", 0}, {"On", 1}};
+inline constexpr ForeignSymbol s_lineSourceSymbols[] = {
+    {"Timer0Active", LineSourceValue::Timer0Active}, {"Timer1Active", LineSourceValue::Timer1Active},
+    {"AcquisitionActive", LineSourceValue::AcquisitionActive}, {"FrameTriggerWait", LineSourceValue::FrameTriggerWait},
+    {"FrameActive", LineSourceValue::FrameActive}, {"FrameTransferActive", LineSourceValue::FrameTransferActive},
+    {"ExposureActive", LineSourceValue::ExposureActive},
+};
+inline constexpr ForeignSymbol s_timerSourceSymbols[] = {
+    {"Line0", TimerSource::Line0}, {"FrameTrigger", TimerSource::FrameTrigger},
+    {"ExposureStart", TimerSource::ExposureStart}, {"ExposureEnd", TimerSource::ExposureEnd},
+};
 inline constexpr ForeignSymbol s_exposureSymbols[]  = {{"Timed", 0}, {"TriggerWidth", 1}};
 inline constexpr ForeignSymbol s_acquisitionSymbols[] = {
     {"Continuous", AcquisitionCommand::Continuous}, {"MultiFrame", AcquisitionCommand::MultiFrame}, {"SingleFrame", 1},
@@ -106,6 +119,8 @@ const PixelFormat *FormatOf(std::string_view symbol, std::optional<std::int64_t>
 
 /// The name that the description has for the number.
 const char *NodeOf(const ForeignNodes &nodes, const ForeignNumber &row);
+/// Of a node whose unit is none, it is µs.
+double MicrosecondsOf(const ForeignNodes &nodes, const char *node);
 /// Raw values of the register for one unit of the node.
 double FactorOf(const ForeignNodes &nodes, const ForeignNumber &row, const char *node);
 /// Whole numbers of unknown meaning, as many gains are: their range is the engine's.

@@ -41,6 +41,24 @@ GenCpStatus ForeignFeatures::Pass(std::uint64_t address, std::uint32_t value)
     return status;
 }
 
+GenCpStatus ForeignFeatures::PassBehind(std::uint64_t selector, std::uint32_t choice, std::uint64_t address,
+                                        std::uint32_t value)
+{
+    // No address: one for each choice.
+    const std::uint64_t key = (std::uint64_t{choice} + 1) << 32 | address;
+    if (const auto last = passed_.find(key); last != passed_.end() && last->second == value) {
+        return GenCpStatus::Success;
+    }
+    GenCpStatus status = Put(selector, choice);
+    if (status == GenCpStatus::Success) {
+        status = Put(address, value);
+    }
+    if (status == GenCpStatus::Success) {
+        passed_[key] = value;
+    }
+    return status;
+}
+
 void ForeignFeatures::Forget()
 {
     passed_.clear();
@@ -52,7 +70,8 @@ GenCpStatus ForeignFeatures::Apply()
     for (const auto apply :
          {&ForeignFeatures::ApplyNumbers, &ForeignFeatures::ApplySymbols, &ForeignFeatures::ApplyPixelFormat,
           &ForeignFeatures::ApplyImage, &ForeignFeatures::ApplyTrigger, &ForeignFeatures::ApplyBalance,
-          &ForeignFeatures::ApplyEvents}) {
+          &ForeignFeatures::ApplyEvents, &ForeignFeatures::ApplyLines, &ForeignFeatures::ApplyTimers,
+          &ForeignFeatures::ApplyLut}) {
         if (const GenCpStatus status = (this->*apply)(); status != GenCpStatus::Success) {
             return status;
         }
@@ -68,10 +87,14 @@ GenCpStatus ForeignFeatures::ApplyNumbers()
         if (!value) {
             continue;
         }
-        const double low = Word(row.block + 0x14), high = Word(row.block + 0x18);
+        // Limits are signed: a hue may be.
+        const double low = static_cast<std::int32_t>(Word(row.block + 0x14)),
+                     high = static_cast<std::int32_t>(Word(row.block + 0x18));
         double raw = *value * FactorOf(nodes_, row, node);
         if (IsRaw(nodes_, row, node)) {
-            const double from = nodes_.Minimum(node).value_or(0), to = nodes_.Maximum(node).value_or(0);
+            const double from =
+                std::max(nodes_.Minimum(node).value_or(0), row.block == Block::Sharpness ? 0 : -HUGE_VAL);
+            const double to = nodes_.Maximum(node).value_or(0);
             raw = to > from ? low + (*value - from) / (to - from) * (high - low) : low;
         }
         const bool resizes = row.block >= Block::BinningX && row.block <= Block::DecimationY;

@@ -1,13 +1,15 @@
 #pragma once
 // What the standard features of a foreign description do: they set the engine's registers as the features of the
 // camera's own description would, and show what the engine makes of it.
-// Sources: ForeignFeatures.cpp, ForeignSelected.cpp (behind selectors), ForeignDefaults.cpp (results and initial
-// values).
+// Sources: ForeignFeatures.cpp, ForeignSelected.cpp (triggers, balance and events), ForeignLines.cpp (lines and
+// timers), ForeignLut.cpp (look-up table), ForeignDefaults.cpp (results and initial values).
 
 #include "vcam/ForeignNodes.h"
 #include "vcam/ForeignXml.h"
 
+#include <functional>
 #include <map>
+#include <optional>
 
 namespace Orvi::Vcam {
 
@@ -27,6 +29,15 @@ class ForeignFeatures {
     void ShowResults();
     /// Exposure and gain, while the camera itself decides on them.
     void ShowAutomatic();
+    /// Levels of the lines, for the nodes that tell them.
+    void ShowLines();
+
+    /// Runs action with each entry of a look-up table that acts, and puts the index back.
+    void EachLutEntry(const std::function<void(double last)> &action);
+    /// Each entry as if there were no table.
+    void SetLutDefaults();
+    /// Passes on the whole table; Apply() does so with the entry of the index.
+    GenCpStatus PassLut();
 
   private:
     struct Image {
@@ -37,6 +48,8 @@ class ForeignFeatures {
     GenCpStatus Put(std::uint64_t address, std::uint32_t value);
     /// Writes unless it was the last one written.
     GenCpStatus Pass(std::uint64_t address, std::uint32_t value);
+    /// The same for a value behind a selector of the engine.
+    GenCpStatus PassBehind(std::uint64_t selector, std::uint32_t choice, std::uint64_t address, std::uint32_t value);
     GenCpStatus ApplyNumbers();
     GenCpStatus ApplySymbols();
     GenCpStatus ApplyPixelFormat();
@@ -44,6 +57,11 @@ class ForeignFeatures {
     GenCpStatus ApplyTrigger();
     GenCpStatus ApplyBalance();
     GenCpStatus ApplyEvents();
+    GenCpStatus ApplyLines();
+    GenCpStatus ApplyTimers();
+    GenCpStatus ApplyLut();
+    std::optional<double> LastLutEntry() const;
+    GenCpStatus PassLutEntry(double last, double most);
     void SetLimits(const ForeignXml::Limits &limits);
     void Show(std::string_view name, double value);
 

@@ -98,4 +98,18 @@ void ForeignMemory::Set(std::uint64_t address, std::span<const std::byte> from)
     }
 }
 
+std::vector<std::pair<std::uint64_t, std::byte>> ForeignMemory::Differences(const ForeignMemory &other) const
+{
+    std::vector<std::pair<std::uint64_t, std::byte>> differences;
+    for (const auto &[number, page] : pages_) {
+        const Page *before = other.Find(number * s_pageSize);
+        for (std::size_t i = 0; i < s_pageSize; ++i) {
+            if (before == nullptr ? page.bytes[i] != std::byte{0} : page.bytes[i] != before->bytes[i]) {
+                differences.emplace_back(number * s_pageSize + i, page.bytes[i]);
+            }
+        }
+    }
+    return differences;
+}
+
 } // namespace Orvi::Vcam

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <map>
+#include <utility>
 
 namespace Orvi::Vcam {
 
@@ -23,6 +24,9 @@ class ForeignMemory {
     // The device's own access: any rights. Bytes outside read 0 and keep nothing.
     void Get(std::uint64_t address, std::span<std::byte> to) const;
     void Set(std::uint64_t address, std::span<const std::byte> from);
+
+    /// The bytes that differ from another memory's, or that it does not have.
+    std::vector<std::pair<std::uint64_t, std::byte>> Differences(const ForeignMemory &other) const;
 
   private:
     static constexpr std::size_t s_pageSize = 256;

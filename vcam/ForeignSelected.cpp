@@ -71,14 +71,9 @@ GenCpStatus ForeignFeatures::ApplyEvents()
         nodes_.With("EventSelector", s_eventNames[kind], [&] {
             const auto notification = nodes_.Symbol("EventNotification");
             const std::uint32_t isOn = notification && *notification != "Off" ? 1 : 0;
-            // Not an address: one for each kind behind the engine's selector.
-            const std::uint64_t key = (std::uint64_t{1} << 63) + kind;
-            if (passed_.contains(key) && passed_[key] == isOn) {
-                return;
+            if (status == GenCpStatus::Success) {
+                status = PassBehind(Reg::EventSelector, kind, Reg::EventNotification, isOn);
             }
-            passed_[key] = isOn;
-            Put(Reg::EventSelector, kind);
-            status = Put(Reg::EventNotification, isOn);
         });
     }
     return status;

@@ -81,6 +81,16 @@ class Reader {
                     {name, node.child_value("pMin"), node.child_value("pMax"), node.child_value("pInc")});
             }
         }
+        const auto registerBehind = [this](const char *feature) {
+            const auto node = nodes_.find(feature);
+            return node == nodes_.end() ? std::string() : RegisterOf(node->second);
+        };
+        xml.lutValue = registerBehind("LUTValue");
+        for (const char *feature : {"LineStatus", "LineStatusAll"}) {
+            if (const std::string name = registerBehind(feature); !name.empty()) {
+                xml.lineStatus.push_back(name);
+            }
+        }
         Lift(root_);
         std::ostringstream text;
         document_.save(text, "", pugi::format_raw);

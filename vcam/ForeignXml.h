@@ -32,6 +32,9 @@ struct ForeignXml {
     std::vector<Register> registers;
     std::vector<Command> commands;
     std::vector<Limits> limits;
+    // Registers at the ends of these features' chains; empty for none.
+    std::string lutValue;
+    std::vector<std::string> lineStatus;
     std::map<std::string, std::uint16_t, std::less<>> eventIds; ///< by the node that has one
 };
 

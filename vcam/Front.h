@@ -7,6 +7,7 @@
 #include "vcam/VirtualCamera.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -20,6 +21,11 @@ class Front : public GenCpMemory {
     virtual void PowerUp() = 0;
     /// Event ids that the description has for kinds of events.
     virtual std::map<EventKind, std::uint16_t> EventIds() const { return {}; }
+
+    /// What the front has given to be kept for the next process, before its first power-up.
+    virtual void SetState(std::string /*state*/) {}
+    /// What is to be kept, when that has changed.
+    virtual std::optional<std::string> TakeState() { return std::nullopt; }
 };
 
 /// The front that the configuration asks for, or null: then the host sees the engine itself. Throws

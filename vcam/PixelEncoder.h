@@ -57,8 +57,8 @@ std::byte *EncodeRun(const PixelFormat &format, std::size_t count, std::uint32_t
     return to;
 }
 
-/// Encodes `count` pixels of line y, from column x on, whose signals are signalAt(0), signalAt(1) ...; returns the bytes
-/// after them.
+/// Encodes `count` pixels of line y, from column x on, whose signals are signalAt(0), signalAt(1) ...; returns the
+/// bytes after them.
 template <class SignalAt>
 std::byte *EncodeEach(const PixelFormat &format, std::size_t count, std::uint32_t x, std::uint32_t y, std::byte *to,
                       const SignalAt &signalAt)

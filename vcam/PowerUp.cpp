@@ -185,4 +185,21 @@ void Device::PowerUp()
     AwaitFaultTime();
 }
 
+/// Of the camera's own description; another model's front has its own. What a host may write is as if one had.
+void Device::SetPresets()
+{
+    if (!config_.xml.empty()) {
+        return;
+    }
+    GenCpMemory &memory = front_ ? static_cast<GenCpMemory &>(*front_) : *this;
+    for (const auto &[address, value] : config_.presets) {
+        std::array<std::byte, sizeof value> bytes{};
+        StoreLe(bytes.data(), value);
+        if (memory.Write(address, bytes) == GenCpStatus::WriteProtect && !front_) {
+            const Lock lock(mutex_);
+            registers_.SetWord(address, value);
+        }
+    }
+}
+
 } // namespace Orvi::Vcam

@@ -62,6 +62,9 @@ std::string Format(const std::string &serial, const StoredState &state)
     text << "factory " << Checksum(state.userSets[0]) << '\n';
     text << "name " << Digits(state.userDefinedName) << '\n';
     text << "default " << state.defaultUserSet << '\n';
+    if (!state.front.empty()) {
+        text << "front " << Digits(state.front) << '\n';
+    }
     for (std::size_t number = 1; number < state.userSets.size(); ++number) {
         const UserSet &set = state.userSets[number];
         if (set.empty()) {
@@ -102,6 +105,8 @@ void ParseLine(const std::string &line, StoredState &state, UserSet *&set)
         }
     } else if (first == "name") {
         state.userDefinedName = Undigits(second);
+    } else if (first == "front") {
+        state.front = Undigits(second);
     } else if (first == "default") {
         state.defaultUserSet = number();
         if (state.defaultUserSet >= state.userSets.size()) {

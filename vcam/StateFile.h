@@ -10,7 +10,8 @@
 //     end 8E1A22B0
 //
 // A set has a line for each word that differs from the factory's; numbers of words are hexadecimal. `factory` and `end`
-// are checksums: of the set that the others are told against, and of all before.
+// are checksums: of the set that the others are told against, and of all before. Another model's camera has a line
+// `front` with what its own registers keep.
 
 #include <array>
 #include <cstdint>
@@ -28,6 +29,7 @@ struct StoredState {
     std::string userDefinedName;
     std::uint32_t defaultUserSet = 0;
     std::array<UserSet, 16> userSets; ///< 0 is the factory's
+    std::string front{};              ///< what another model's front keeps
 };
 
 /// The variable that names the folder of the state files of all virtual cameras.

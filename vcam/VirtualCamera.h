@@ -35,6 +35,7 @@ struct CameraConfig {
     std::vector<std::uint32_t> pixelFormats;
     std::optional<double> frameRateLimit;   ///< images per second at most
     LinkSpeed speed = LinkSpeed::Super;     ///< of the link, as the descriptors tell it
+    bool isLinkLimiting = false;            ///< images come no faster than the link would carry them
     std::optional<LinkSpeed> speedRegister; ///< what the camera's register tells, when it is another
     /// Cameras with the same seed show the same images and have the same faults.
     std::uint64_t seed = 0;

@@ -75,6 +75,26 @@ TEST_F(Commands, UserSetCommandIsRefusedWhileAnotherIsUnderWay)
     EXPECT_EQ(control_.Read(Value(Block::Gain)), 0u) << "nor saved";
 }
 
+TEST_F(Commands, UserSetIsNotSavedAndLoadedInOneWrite)
+{
+    SaveUserSet(1);
+    control_.Write(Value(Block::Gain), 900);
+    ASSERT_EQ(Reg::UserSetLoad + 4, Reg::UserSetSave);
+    const std::uint32_t both[] = {1, 1};
+    EXPECT_EQ(control_.WriteMemory(Reg::UserSetLoad, std::as_bytes(std::span(both))), Busy);
+    EXPECT_EQ(control_.Read(Value(Block::Gain)), 900u) << "all or nothing";
+    EXPECT_EQ(control_.Read(Reg::UserSetDone), 1u);
+    SaveUserSet(2); // nothing is under way
+}
+
+TEST_F(Commands, UserSetCommandThatIsDoneIsInNobodysWay)
+{
+    control_.Write(Reg::UserSetSelector, 1);
+    control_.Write(Reg::UserSetSave, 1);
+    // Without a read that would notice the end.
+    EXPECT_TRUE(Eventually([&] { return control_.TryWrite(Reg::UserSetLoad, 1) == Success; }));
+}
+
 TEST_F(Commands, EveryCommandReportsDoneLateOrNeverOnDemand)
 {
     const std::pair<std::uint64_t, std::uint32_t> commands[] = {

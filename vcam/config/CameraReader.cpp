@@ -34,10 +34,7 @@ void ReadFormats(Section &section, Mistakes &mistakes, std::vector<std::uint32_t
     if (list == nullptr) {
         return;
     }
-    std::vector<std::string_view> names;
-    for (const PixelFormat &format : s_pixelFormats) {
-        names.emplace_back(format.name);
-    }
+    const std::vector<std::string_view> names = PixelFormatNames(true);
     if (list->kind != TomlValue::Kind::Array || list->items.empty()) {
         section.Wrong("pixel_formats", "takes an array of one or more of " + Listed(names));
         return;
@@ -75,6 +72,18 @@ void ReadSide(Section &section, std::string_view key, std::int64_t minimum, std:
 
 } // namespace
 
+std::vector<std::string_view> PixelFormatNames(bool withYuv)
+{
+    std::vector<std::string_view> names;
+    for (const PixelFormat &format : s_pixelFormats) {
+        const bool isYuv = format.colours == Colours::Yuv411 || format.colours == Colours::Yuv422;
+        if ((withYuv || !isYuv) && std::ranges::find(names, format.name) == names.end()) {
+            names.emplace_back(format.name);
+        }
+    }
+    return names;
+}
+
 CameraEntry ReadCamera(const TomlValue &table, const ReadContext &context)
 {
     CameraEntry entry;
@@ -87,7 +96,8 @@ CameraEntry ReadCamera(const TomlValue &table, const ReadContext &context)
     ReadName(camera, "device_version", config.deviceVersion);
     ReadName(camera, "manufacturer_info", config.manufacturerInfo);
     ReadName(camera, "serial", config.serial);
-    if (camera.Find("serial") != nullptr && config.serial.empty() && camera.Find("serial")->text.empty()) {
+    const TomlValue *serial = camera.Find("serial");
+    if (serial != nullptr && serial->kind == TomlValue::Kind::Text && serial->text.empty()) {
         camera.Wrong("serial", "is empty: it is what the camera is known by");
     }
     entry.serialPlace = camera.WhereIs("serial");
@@ -98,7 +108,7 @@ CameraEntry ReadCamera(const TomlValue &table, const ReadContext &context)
     if (double limit = 0; camera.Real("frame_rate_limit", 0.1, 1000, limit)) {
         config.frameRateLimit = limit;
     }
-    camera.OneOf<LinkSpeed>("link_speed", s_speeds, config.speed);
+    config.isLinkLimiting = camera.OneOf<LinkSpeed>("link_speed", s_speeds, config.speed);
     if (LinkSpeed speed{}; camera.OneOf<LinkSpeed>("speed_register", s_speeds, speed)) {
         config.speedRegister = speed;
     }
@@ -108,10 +118,10 @@ CameraEntry ReadCamera(const TomlValue &table, const ReadContext &context)
     if (const TomlValue *image = camera.Table("image")) {
         ReadImageSource(*image, context, config.image);
     }
-    for (const TomlValue *preset : camera.Tables("register")) {
+    for (const TomlValue *preset : camera.Tables("register", "[[camera.register]]")) {
         ReadPreset(*preset, context, config.presets);
     }
-    for (const TomlValue *fault : camera.Tables("fault")) {
+    for (const TomlValue *fault : camera.Tables("fault", "[[camera.fault]]")) {
         ReadFault(*fault, context, config.faults);
     }
     camera.RefuseOthers();

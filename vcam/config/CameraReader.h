@@ -21,6 +21,9 @@ struct CameraEntry {
     Place serialPlace;
 };
 
+/// For messages, each once.
+std::vector<std::string_view> PixelFormatNames(bool withYuv);
+
 /// Texts lie in registers of 64 bytes.
 constexpr std::size_t s_longestName = 63;
 

@@ -85,14 +85,16 @@ ConfigFile ReadConfig(std::string_view text, const std::string &folder, Disk dis
     std::uint64_t seed = 0;
     const bool hasSeed = top.Integer("seed", 0, INT64_MAX, seed);
     Expansion expansion(hasSeed ? std::optional(seed) : std::nullopt, file.mistakes);
-    const std::vector<const TomlValue *> tables = top.Tables("camera");
-    if (top.Find("camera") == nullptr) {
+    const std::vector<const TomlValue *> tables = top.Tables("camera", "[[camera]]");
+    if (const TomlValue *cameras = top.Find("camera");
+        cameras == nullptr || (cameras->kind == TomlValue::Kind::Array && cameras->items.empty())) {
         file.mistakes.push_back({{}, "there is no [[camera]]"});
     }
     for (const TomlValue *table : tables) {
         expansion.Add(ReadCamera(*table, {folder, disk, file.mistakes}), table->place);
     }
-    top.RefuseOthers();
+    top.RefuseOthers("; what a camera has stands below its [[camera]]: keys, and the tables [camera.image], "
+                     "[[camera.register]] and [[camera.fault]]");
     file.cameras = expansion.Take();
     std::ranges::stable_sort(file.mistakes, {}, [](const Mistake &mistake) { return mistake.place.Order(); });
     return file;

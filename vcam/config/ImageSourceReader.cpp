@@ -34,15 +34,15 @@ struct KeyRule {
     std::string_view needs;   ///< that need it
 };
 constexpr KeyRule s_rules[] = {
-    {"path", "images raw", "images raw"},
+    {"path", "images, raw", "images, raw"},
     {"command", "command", "command"},
     {"timeout_ms", "command", ""},
-    {"order", "images raw", ""},
+    {"order", "images, raw", ""},
     {"width", "raw", "raw"},
     {"height", "raw", "raw"},
     {"pixel_format", "raw", "raw"},
     {"offset", "raw", ""},
-    {"place", "images raw command", ""},
+    {"place", "images, raw, command", ""},
 };
 
 std::string_view NameOf(ImageSource::Kind kind) { return s_sources[static_cast<std::size_t>(kind)].first; }
@@ -105,13 +105,7 @@ void CheckRaw(Section &section, const ImageSource &source)
 
 void ReadRawFormat(Section &section, std::uint32_t &code)
 {
-    std::vector<std::string_view> names;
-    for (const PixelFormat &format : s_pixelFormats) {
-        const bool isYuv = format.colours == Colours::Yuv411 || format.colours == Colours::Yuv422;
-        if (!isYuv) {
-            names.emplace_back(format.name);
-        }
-    }
+    const std::vector<std::string_view> names = PixelFormatNames(false);
     if (const auto index = section.IndexOf("pixel_format", names)) {
         code = FindPixelFormat(names[*index])->code;
     }

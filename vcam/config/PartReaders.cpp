@@ -8,6 +8,7 @@
 #include <array>
 #include <filesystem>
 #include <pugixml.hpp>
+#include <tuple>
 
 namespace Orvi::Vcam {
 
@@ -140,6 +141,19 @@ void ReadFault(const TomlValue &table, const ReadContext &context, FaultScript &
     section.Integer("amount", INT64_MIN, INT64_MAX, rule.amount);
     section.Integer("target", 0, INT64_MAX, rule.target);
     section.RefuseOthers();
+    const bool isWrite = section.Find("on") != nullptr && rule.moment == FaultMoment::Write;
+    for (const auto &[key, isIdle, why] :
+         {std::tuple("every", rule.at.has_value(), "means nothing beside 'at', which is one number"),
+          std::tuple("from", rule.at.has_value(), "means nothing beside 'at', which is one number"),
+          std::tuple("value", !isWrite, "belongs to writes alone"),
+          std::tuple("mask", !isWrite, "belongs to writes alone")}) {
+        if (isIdle && section.Find(key) != nullptr) {
+            section.Wrong(key, why);
+        }
+    }
+    if (rule.action == FaultAction::Poke && section.Find("target") == nullptr) {
+        section.Wrong("target", "is missing: poke needs the register's address");
+    }
     if (context.mistakes.size() != before) {
         return;
     }

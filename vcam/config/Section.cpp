@@ -96,7 +96,8 @@ const TomlValue *Section::Find(std::string_view key, Kind kind)
     if (value == nullptr || value->kind == kind) {
         return value;
     }
-    Wrong(key, "takes " + std::string(KindName(kind)) + ", not " + std::string(KindName(value->kind)));
+    Wrong(key, "takes " + std::string(KindName(kind)) + ", not " + std::string(KindName(value->kind)) +
+                   (kind == Kind::Text ? ": write it in quotes" : ""));
     return nullptr;
 }
 
@@ -165,7 +166,7 @@ std::optional<std::size_t> Section::IndexOf(std::string_view key, std::span<cons
 
 const TomlValue *Section::Table(std::string_view key) { return Find(key, Kind::Table); }
 
-std::vector<const TomlValue *> Section::Tables(std::string_view key)
+std::vector<const TomlValue *> Section::Tables(std::string_view key, std::string_view head)
 {
     std::vector<const TomlValue *> tables;
     const TomlValue *value = Find(key);
@@ -175,7 +176,7 @@ std::vector<const TomlValue *> Section::Tables(std::string_view key)
     const bool isArray = value->kind == Kind::Array;
     if (!isArray || !std::ranges::all_of(value->items, [](const auto &item) { return item.kind == Kind::Table; })) {
         const std::string found = isArray ? "something else in the array" : std::string(KindName(value->kind));
-        Wrong(key, "takes tables, each under its own [[" + std::string(key) + "]], not " + found);
+        Wrong(key, "takes tables, each under its own " + std::string(head) + ", not " + found);
         return tables;
     }
     for (const TomlValue &item : value->items) {
@@ -195,12 +196,13 @@ void Section::Wrong(std::string_view key, const std::string &why)
     mistakes_.push_back({WhereIs(key), std::string(key) + ' ' + why});
 }
 
-void Section::RefuseOthers()
+void Section::RefuseOthers(std::string_view hint)
 {
     for (const TomlMember &member : table_.members) {
         if (std::ranges::find(asked_, member.key) == asked_.end()) {
             mistakes_.push_back({member.place, "there is no key " + Quoted(member.key) + " in " + name_ +
-                                                   DidYouMean(member.key, asked_) + " It takes " + Listed(asked_)});
+                                                   DidYouMean(member.key, asked_) + " It takes " + Listed(asked_) +
+                                                   std::string(hint)});
         }
     }
 }

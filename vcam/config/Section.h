@@ -51,13 +51,13 @@ class Section {
     std::optional<std::size_t> IndexOf(std::string_view key, std::span<const std::string_view> names);
     /// The table, or null.
     const TomlValue *Table(std::string_view key);
-    /// All tables of an array of them: [[camera]].
-    std::vector<const TomlValue *> Tables(std::string_view key);
+    /// All tables of an array of them, whose head is written so: "[[camera.fault]]".
+    std::vector<const TomlValue *> Tables(std::string_view key, std::string_view head);
 
     /// Adds a mistake about the key, at its value; where it is missing, at the table.
     void Wrong(std::string_view key, const std::string &why);
-    /// A mistake for each key that nobody has asked for.
-    void RefuseOthers();
+    /// A mistake for each key that nobody has asked for; `hint` ends its sentence.
+    void RefuseOthers(std::string_view hint = {});
 
     Place Where() const { return table_.place; }
     Place WhereIs(std::string_view key) const;

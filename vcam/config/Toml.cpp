@@ -80,7 +80,10 @@ TomlValue ParseToml(std::string_view text, Mistakes &mistakes)
     const toml::parse_result result = toml::parse(text);
     if (!result) {
         const toml::parse_error &error = result.error();
-        mistakes.push_back({PlaceOf(error.source()), "no TOML: " + std::string(error.description())});
+        const std::string_view what = error.description();
+        const bool isBareText = what.find("could not determine value type") != std::string_view::npos;
+        mistakes.push_back({PlaceOf(error.source()),
+                            "no TOML: " + std::string(what) + (isBareText ? "; a text is written in quotes" : "")});
         return {};
     }
     return Convert(result.table());

@@ -135,6 +135,52 @@ TEST(ConfigEffect, FrameRateKeepsToTheLimit)
     EXPECT_TRUE(camera->Cancel(Endpoint::StreamIn, second));
 }
 
+TEST(ConfigEffect, ImagesComeNoFasterThanTheLinkCarriesThem)
+{
+    constexpr std::uint64_t picture = std::uint64_t{128} * 32;
+    constexpr std::uint64_t period = picture * 10000; // ns, at 0.1 MB/s
+    const auto camera = CameraOf("link_speed = 'low'");
+    Control control(*camera);
+    control.Write(Block::FrameRate + 0x1C, 1000000);
+    Stream stream(*camera, control);
+    stream.Configure(stream.SimpleCut());
+    for (int i = 0; i < 3; ++i) {
+        stream.Post();
+    }
+    stream.Enable();
+    control.Write(Reg::TimestampLatch, 1);
+    const std::uint64_t start = control.ReadLong(Reg::Timestamp);
+    stream.Start();
+    for (std::uint64_t i = 0; i < 3; ++i) {
+        const Frame frame = stream.Take();
+        EXPECT_GE(frame.time, start + frame.block * period);
+        EXPECT_EQ(frame.block, i);
+    }
+}
+
+TEST(ConfigEffect, PresetsAreThereAfterEachPowerUp)
+{
+    constexpr std::uint32_t gain = Block::Gain + 0x1C;
+    const auto keys = [](std::uint64_t address, int value) {
+        return "[[camera.register]]\naddress = " + std::to_string(address) + "\nvalue = " + std::to_string(value) +
+               "\n";
+    };
+    const auto camera = CameraOf(keys(ImageSizeWord::Width, 64) + keys(gain, 600) + keys(Reg::DroppedBlocks, 7) +
+                                 keys(Block::Gamma + 0x1C, 100000) + keys(0x1000000, 1));
+    Control control(*camera);
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(control.Read(gain), 600u);
+        EXPECT_EQ(control.Read(Reg::SiRequiredPayload), 64u * 32) << "as if a host had written it";
+        EXPECT_EQ(control.Read(Reg::DroppedBlocks), 7u) << "read-only";
+        EXPECT_EQ(control.Read(Block::Gamma + 0x1C), 100u) << "what is beyond the limits is not taken";
+        control.Write(gain, 0);
+        camera->Unplug();
+        camera->Plug();
+    }
+    const auto hidden = CameraOf("control_registers = false\n" + keys(0x600000 + gain - Reg::Control, 600));
+    EXPECT_EQ(hidden->PeekRegister(gain), 600u);
+}
+
 TEST(ConfigEffect, LinkSpeedIsInTheDescriptorsAndTheRegisterMayTellAnother)
 {
     constexpr std::uint64_t speedRegister = Reg::Sbrm + 0x40;

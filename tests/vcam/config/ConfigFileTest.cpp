@@ -32,6 +32,9 @@ constexpr char s_faultKeys[] =
     "It takes on, action, at, every, from, probability, times, address, value, mask, amount, "
     "target";
 
+constexpr char s_below[] = "; what a camera has stands below its [[camera]]: keys, and the tables [camera.image], "
+                           "[[camera.register]] and [[camera.fault]]";
+
 std::string With(const char *start, const char *rest) { return std::string(start).append(rest); }
 
 const Row s_rows[] = {
@@ -42,7 +45,14 @@ const Row s_rows[] = {
     {"[camera]", {"f:1:1: camera takes tables, each under its own [[camera]], not a table"}},
     {"camera = [1]", {"f:1:10: camera takes tables, each under its own [[camera]], not something else in the array"}},
     {"[[camera]]\n[[camara]]",
-     {"f:2:3: there is no key 'camara' in the file; did you mean 'camera'? It takes seed, camera"}},
+     {With("f:2:3: there is no key 'camara' in the file; did you mean 'camera'? It takes seed, camera", s_below)}},
+    {"[[camera]]\n[[fault]]\non = 'frame'",
+     {With("f:2:3: there is no key 'fault' in the file. It takes seed, camera", s_below)}},
+    {"camera = []", {"f: there is no [[camera]]"}},
+    {"[[camera]]\n[camera.fault]\non = 'frame'",
+     {"f:2:1: fault takes tables, each under its own [[camera.fault]], not a table"}},
+    {"[[camera]]\nserial = A1",
+     {"f:2:10: no TOML: Error while parsing value: could not determine value type; a text is written in quotes"}},
     {"seed = -1\n[[camera]]", {"f:1:8: seed takes 0 to 9223372036854775807, not -1"}},
     {"[[camera]]\ncount = 65", {"f:2:9: count takes 1 to 64, not 65"}},
     {"[[camera]]\ncount = 60\n[[camera]]\ncount = 5", {"f:3:1: there are more than 64 cameras"}},
@@ -52,12 +62,13 @@ const Row s_rows[] = {
     {"[[camera]]\nSerial-Number = ''", {With("f:2:1: there is no key 'Serial-Number' in [[camera]]. ", s_cameraKeys)}},
     {"[[camera]]\nlink-speed = ''",
      {With("f:2:1: there is no key 'link-speed' in [[camera]]; did you mean 'link_speed'? ", s_cameraKeys)}},
-    {"[[camera]]\nvendor = 1", {"f:2:10: vendor takes a text, not an integer"}},
-    {"[[camera]]\nmodel = [\"a\"]", {"f:2:9: model takes a text, not an array"}},
-    {"[[camera]]\nfamily = 1979-05-27", {"f:2:10: family takes a text, not a time"}},
+    {"[[camera]]\nvendor = 1", {"f:2:10: vendor takes a text, not an integer: write it in quotes"}},
+    {"[[camera]]\nmodel = [\"a\"]", {"f:2:9: model takes a text, not an array: write it in quotes"}},
+    {"[[camera]]\nfamily = 1979-05-27", {"f:2:10: family takes a text, not a time: write it in quotes"}},
     {"[[camera]]\nuser_name = '0123456789012345678901234567890123456789012345678901234567890123'",
      {"f:2:13: user_name takes 63 bytes at most, not 64"}},
     {"[[camera]]\nmodel = \"a\\tb\"", {"f:2:9: model takes no control characters"}},
+    {"[[camera]]\nserial = 12345", {"f:2:10: serial takes a text, not an integer: write it in quotes"}},
     {"[[camera]]\nserial = ''", {"f:2:10: serial is empty: it is what the camera is known by"}},
     {"[[camera]]\nserial = 'A'\n[[camera]]\nserial = 'A'", {"f:4:10: serial A is taken by the camera at 2:10"}},
     {"[[camera]]\n[[camera]]\nserial = 'VC000001'", {"f:3:10: serial VC000001 is taken by the camera at 1:1"}},
@@ -79,7 +90,7 @@ const Row s_rows[] = {
      {"f:2:27: pixel_formats takes names, not an integer among them", "f:2:30: pixel_formats has 'Mono8' twice"}},
     {"[[camera]]\ncontrol_registers = 'no'", {"f:2:21: control_registers takes true or false, not a text"}},
     {"[[camera]]\nseed = 1.5", {"f:2:8: seed takes an integer, not a real number"}},
-    {"[[camera]]\nxml = 1", {"f:2:7: xml takes a text, not an integer"}},
+    {"[[camera]]\nxml = 1", {"f:2:7: xml takes a text, not an integer: write it in quotes"}},
     // image
     {"[[camera]]\nimage = 1", {"f:2:9: image takes a table, not an integer"}},
     {"[[camera]]\n[camera.image]\nsorce = ''",
@@ -90,7 +101,7 @@ const Row s_rows[] = {
     {"[[camera]]\n[camera.image]\nsource = 'raw'\npath = 'a'\nwidth = 4\nheight = 2",
      {"f:2:1: pixel_format is missing: the source 'raw' needs it"}},
     {"[[camera]]\n[camera.image]\npath = 'a'",
-     {"f:3:8: path means nothing to the source 'pattern', only to images raw"}},
+     {"f:3:8: path means nothing to the source 'pattern', only to images, raw"}},
     {"[[camera]]\n[camera.image]\nsource = 'command'\ncommand = 'x'\ntimeout_ms = 0",
      {"f:5:14: timeout_ms takes 1 to 60000, not 0"}},
     {"[[camera]]\n[camera.image]\nplace = 'centre'",
@@ -118,6 +129,13 @@ const Row s_rows[] = {
      {"f:2:1: at is missing: a time needs 'at' or 'every', in ms"}},
     {"[[camera]]\n[[camera.fault]]\non = 'frame'\naction = 'lose-frame'\naddress = 4",
      {"f:5:11: address belongs to commands and writes alone"}},
+    {"[[camera]]\n[[camera.fault]]\non = 'frame'\nat = 3\nevery = 5\nfrom = 1\naction = 'lose-frame'",
+     {"f:5:9: every means nothing beside 'at', which is one number",
+      "f:6:8: from means nothing beside 'at', which is one number"}},
+    {"[[camera]]\n[[camera.fault]]\non = 'frame'\nvalue = 3\nmask = 5\naction = 'lose-frame'",
+     {"f:4:9: value belongs to writes alone", "f:5:8: mask belongs to writes alone"}},
+    {"[[camera]]\n[[camera.fault]]\non = 'frame'\namount = 3\naction = 'poke'",
+     {"f:2:1: target is missing: poke needs the register's address"}},
     {"[[camera]]\n[[camera.fault]]\non = 'frame'\naction = 'lose-frame'\ntarget = 4",
      {"f:5:10: target belongs to poke alone"}},
 };
@@ -151,6 +169,13 @@ TEST(ConfigFile, UnknownNamesListWhatIsKnown)
     EXPECT_TRUE(actions[0].starts_with("f:4:10: action does not know 'lose_frame'; did you mean 'lose-frame'? It takes "
                                        "lose-frame, truncate,"))
         << actions[0];
+}
+
+TEST(ConfigFile, ListsOfFormatsNameEachOnce)
+{
+    const auto messages = MessagesOf(Parse("[[camera]]\npixel_formats = []"));
+    ASSERT_EQ(messages.size(), 1u);
+    EXPECT_EQ(messages[0].find("RGB8"), messages[0].rfind("RGB8")) << messages[0];
 }
 
 TEST(ConfigFile, ACameraThatSaysNothingIsTheUsualOne)

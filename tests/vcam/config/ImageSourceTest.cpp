@@ -117,10 +117,10 @@ TEST_F(ImageSourceTest, SixteenBitsComeBitExact)
     WriteTiff(At("a.tif"), samples);
     Write("a.pgm", BinaryPnm(samples));
     Write("a.raw", raw);
-    for (const std::string source : {"source = 'images'\npath = 'a.png'", "source = 'images'\npath = 'a.tif'",
-                                     "source = 'images'\npath = 'a.pgm'",
-                                     "source = 'raw'\npath = 'a.raw'\nwidth = 64\nheight = 16\n"
-                                     "pixel_format = 'Mono16'"}) {
+    for (const std::string source :
+         {"source = 'images'\npath = 'a.png'", "source = 'images'\npath = 'a.tif'", "source = 'images'\npath = 'a.pgm'",
+          "source = 'raw'\npath = 'a.raw'\nwidth = 64\nheight = 16\n"
+          "pixel_format = 'Mono16'"}) {
         Source camera(Config(source));
         for (const auto &[format, bits] : {std::pair(mono16, 16), std::pair(s_mono12, 12)}) {
             camera.Registers().Write(Reg::PixelFormat, format);
