@@ -1,112 +1,11 @@
 // Cameras with other models' descriptions: what a host does through the nodes shows in the images and in the memory.
 
-#include "HostSide.h"
-#include "u3v/core/Status.h"
-#include "u3v/genapi/NodeMap.h"
-#include "vcam/Front.h"
-
-#include <fstream>
-#include <numeric>
-#include <sstream>
+#include "ForeignFixture.h"
+#include "tests/support/TempFolder.h"
+#include "tests/support/TextFile.h"
 
 namespace Orvi::Vcam::Test {
 namespace {
-
-std::string ReadDescription(const std::string &name)
-{
-    std::ifstream file(std::string(ORVI_TEST_DESCRIPTIONS "/") + name + ".xml");
-    EXPECT_TRUE(file) << name;
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
-
-CameraConfig ConfigOf(const std::string &name)
-{
-    CameraConfig config;
-    config.serial = "F1";
-    config.sensorWidth = 640;
-    config.sensorHeight = 480;
-    config.xml = ReadDescription(name);
-    return config;
-}
-
-/// What a node does is a failure of the test, unless it is refused by the camera: then it is the node's.
-class HostPort final : public GenApi::Port {
-  public:
-    explicit HostPort(Control &control) : control_(control) {}
-    void Read(std::uint64_t address, std::span<std::byte> data) override { Check(control_.ReadMemory(address, data)); }
-    void Write(std::uint64_t address, std::span<const std::byte> data) override
-    {
-        Check(control_.WriteMemory(address, data));
-    }
-
-  private:
-    static void Check(GenCpStatus status)
-    {
-        if (status != GenCpStatus::Success) {
-            throw U3v::StatusError(CAM_API_STS_ACCESS_DENIED, std::to_string(static_cast<unsigned>(status)));
-        }
-    }
-    Control &control_;
-};
-
-class Foreign {
-  public:
-    explicit Foreign(const CameraConfig &config) : config_(config) {}
-    explicit Foreign(const std::string &name) : Foreign(ConfigOf(name)) {}
-
-    GenApi::NodeId Node(const std::string &name) const { return nodes->Find(name).value(); }
-    std::int64_t Int(const std::string &name) const { return nodes->GetInt(Node(name)); }
-    void SetInt(const std::string &name, std::int64_t value) { nodes->SetInt(Node(name), value); }
-    double Float(const std::string &name) const { return nodes->GetFloat(Node(name)); }
-    void SetFloat(const std::string &name, double value) { nodes->SetFloat(Node(name), value); }
-    std::string Enum(const std::string &name) const { return std::string(nodes->GetEnumText(Node(name))); }
-    void SetEnum(const std::string &name, const std::string &value) { nodes->SetEnumText(Node(name), value); }
-    bool Bool(const std::string &name) const { return nodes->GetBool(Node(name)); }
-    void SetBool(const std::string &name, bool value) { nodes->SetBool(Node(name), value); }
-    void Execute(const std::string &name) { nodes->Execute(Node(name)); }
-
-    /// One image with the present settings.
-    Frame Image()
-    {
-        Stream stream(*camera, control);
-        stream.Configure(stream.SimpleCut());
-        stream.Post();
-        stream.Enable();
-        Execute("AcquisitionStart");
-        Frame frame = stream.Take();
-        Execute("AcquisitionStop");
-        control.Write(Reg::SiControl, 0);
-        return frame;
-    }
-    double Brightness()
-    {
-        const Frame frame = Image();
-        const std::size_t skipped = frame.image.size() / frame.height; // the line of the block id
-        double sum = 0;
-        for (std::size_t i = skipped; i < frame.image.size(); ++i) {
-            sum += std::to_integer<unsigned>(frame.image[i]);
-        }
-        return sum / static_cast<double>(frame.image.size() - skipped);
-    }
-
-  private:
-    CameraConfig config_;
-
-  public:
-    std::shared_ptr<VirtualCamera> camera = VirtualCamera::Create(config_);
-    Control control{*camera};
-    HostPort port{control};
-    std::unique_ptr<GenApi::NodeMap> nodes = GenApi::NodeMap::Load(config_.xml, port);
-};
-
-std::vector<std::byte> Reference(const PictureSettings &settings, std::uint64_t block)
-{
-    std::vector<std::byte> image(settings.ImageBytes());
-    RenderReference(settings, block, image);
-    return image;
-}
 
 TEST(ForeignCamera, CanBeUsedAfterPowerUp)
 {
@@ -188,65 +87,6 @@ TEST(ForeignCamera, BigEndianRegistersDoTheSame)
     EXPECT_EQ(camera.control.Read(0x2020A8), 0x01003412u); // big-endian registers count their bits from the top
 }
 
-TEST(ForeignCamera, ExposureAndGainBrighten)
-{
-    for (const std::string name : {"converters", "big_endian"}) {
-        Foreign camera(name);
-        const auto setExposure = [&](int time) {
-            name == "converters" ? camera.SetFloat("ExposureTime", time) : camera.SetInt("ExposureTime", time);
-        };
-        camera.SetInt("Width", 64);
-        camera.SetInt("Height", 16);
-        setExposure(4000);
-        const double dark = camera.Brightness();
-        setExposure(8000);
-        EXPECT_GT(camera.Brightness(), 1.7 * dark) << name;
-        EXPECT_EQ(camera.camera->PeekRegister(Block::ExposureTime + 0x1C), 8000u) << name;
-        setExposure(4000);
-        name == "converters" ? camera.SetFloat("Gain", 6) : camera.SetInt("Gain", 64);
-        EXPECT_GT(camera.Brightness(), 1.5 * dark) << name;
-    }
-}
-
-TEST(ForeignCamera, AutomaticExposureShows)
-{
-    Foreign camera("selectors");
-    camera.SetFloat("ExposureTime", 1000);
-    camera.SetEnum("ExposureAuto", "Continuous");
-    camera.camera->PokeRegister(Block::ExposureTime + 0x1C, 15000); // the engine's decision
-    EXPECT_EQ(camera.Float("ExposureTime"), 15000);
-    camera.SetEnum("ExposureAuto", "Off");
-    EXPECT_EQ(camera.Float("ExposureTime"), 15000);
-}
-
-TEST(ForeignCamera, SoftwareTriggerTakesOneImage)
-{
-    Foreign camera("converters");
-    camera.SetInt("Width", 64);
-    camera.SetInt("Height", 16);
-    camera.SetEnum("TriggerSource", "Software");
-    camera.SetEnum("TriggerMode", "On");
-    camera.SetFloat("TriggerDelay", 0.5); // ms
-    EXPECT_EQ(camera.camera->PeekRegister(Block::TriggerDelay + 0x1C), 500u);
-    Stream stream(*camera.camera, camera.control);
-    stream.Configure(stream.SimpleCut());
-    stream.Post();
-    stream.Post();
-    stream.Enable();
-    camera.Execute("AcquisitionStart");
-    camera.Execute("TriggerSoftware");
-    EXPECT_EQ(stream.Take().block, 0u);
-    camera.Execute("TriggerSoftware");
-    EXPECT_EQ(stream.Take().block, 1u);
-    // What shapes the image is refused while it flows, and the registers keep what they had.
-    EXPECT_THROW(camera.SetInt("Width", 128), GenApi::Error);
-    EXPECT_EQ(camera.Int("Width"), 64);
-    EXPECT_THROW(camera.SetEnum("PixelFormat", "Mono12"), GenApi::Error);
-    EXPECT_EQ(camera.Enum("PixelFormat"), "Mono8");
-    EXPECT_EQ(camera.camera->DroppedBlocks(), 0u);
-    camera.Execute("AcquisitionStop");
-}
-
 TEST(ForeignCamera, OneRegisterStartsWithOneAndStopsWithNought)
 {
     Foreign camera("big_endian");
@@ -315,16 +155,6 @@ TEST(ForeignCamera, PresetsComeBeforeTheDefaults)
     EXPECT_EQ(camera.control.Read(Reg::SiRequiredPayload), 320u * 480);
 }
 
-TEST(ForeignCamera, BinningMakesTheImageFit)
-{
-    Foreign camera("converters");
-    camera.SetInt("BinningHorizontal", 2);
-    EXPECT_EQ(camera.Int("WidthMax"), 320);
-    EXPECT_EQ(camera.Int("SensorWidth"), 640);
-    EXPECT_EQ(camera.Int("Width"), 320);
-    EXPECT_EQ(camera.Image().width, 320u);
-}
-
 TEST(ForeignCamera, EachChoiceOfASelectorHasItsOwnValue)
 {
     Foreign camera("selectors");
@@ -347,61 +177,6 @@ TEST(ForeignCamera, EachChoiceOfASelectorHasItsOwnValue)
     EXPECT_EQ(camera.Int("LUTValue"), 0);
     camera.SetInt("LUTIndex", 200);
     EXPECT_EQ(camera.Int("LUTValue"), 4000);
-}
-
-TEST(ForeignCamera, TheTriggerBehindTheSelectorActs)
-{
-    Foreign camera("selectors");
-    const auto mode = [&] { return camera.camera->PeekRegister(Block::TriggerMode + 0x1C); };
-    const auto sequence = [&] { return camera.camera->PeekRegister(Block::TriggerSequence + 0x1C); };
-    camera.SetEnum("TriggerSelector", "AcquisitionStart");
-    camera.SetEnum("TriggerMode", "On");
-    EXPECT_EQ(mode(), 0u);
-    camera.SetEnum("TriggerSelector", "FrameBurstStart");
-    camera.SetEnum("TriggerMode", "On");
-    camera.SetInt("AcquisitionBurstFrameCount", 3);
-    EXPECT_EQ(mode(), 1u);
-    EXPECT_EQ(sequence(), 6u);
-    EXPECT_EQ(camera.camera->PeekRegister(Block::TriggerParameter + 0x1C), 3u);
-    camera.SetEnum("TriggerMode", "Off");
-    camera.SetEnum("TriggerSelector", "FrameStart");
-    camera.SetEnum("TriggerSource", "Line0");
-    camera.SetEnum("TriggerActivation", "FallingEdge");
-    camera.SetEnum("TriggerMode", "On");
-    EXPECT_EQ(mode(), 1u);
-    EXPECT_EQ(sequence(), 0u);
-    EXPECT_EQ(camera.camera->PeekRegister(Block::TriggerSource + 0x1C), 0u);
-    EXPECT_EQ(camera.camera->PeekRegister(Reg::TriggerActivation), 0u);
-}
-
-TEST(ForeignCamera, BalanceAndEventsBehindSelectorsAct)
-{
-    Foreign camera("selectors");
-    camera.SetEnum("BalanceRatioSelector", "Blue");
-    camera.SetFloat("BalanceRatio", 2);
-    camera.SetEnum("BalanceRatioSelector", "Red");
-    camera.SetFloat("BalanceRatio", 1.5);
-    EXPECT_EQ(camera.camera->PeekRegister(Reg::BlueRatio), 2000u);
-    EXPECT_EQ(camera.camera->PeekRegister(Block::WhiteBalance + 0x1C), 1500u);
-    camera.SetEnum("EventSelector", "ExposureEnd");
-    camera.SetEnum("EventNotification", "On");
-    camera.camera->PokeRegister(Reg::EventSelector, static_cast<std::uint32_t>(EventKind::ExposureEnd));
-    EXPECT_EQ(camera.camera->PeekRegister(Reg::EventNotification), 1u);
-    camera.camera->PokeRegister(Reg::EventSelector, static_cast<std::uint32_t>(EventKind::FrameEnd));
-    EXPECT_EQ(camera.camera->PeekRegister(Reg::EventNotification), 0u);
-}
-
-TEST(ForeignCamera, EventsCarryTheDescriptionsIds)
-{
-    Foreign camera("selectors");
-    camera.SetEnum("EventSelector", "Line0RisingEdge");
-    camera.SetEnum("EventNotification", "On");
-    const std::uint64_t eirm = camera.control.ReadLong(camera.control.ReadLong(Reg::SbrmAddress) + 0x2C);
-    camera.control.Write(eirm, 1);
-    Transfer event;
-    camera.camera->Submit(Endpoint::EventIn, event);
-    camera.camera->PokeRegister(Reg::LineLevels, 1);
-    EXPECT_EQ(LoadLe<std::uint16_t>(event.Wait().Data().data() + 14), 0xD001);
 }
 
 TEST(ForeignCamera, UserSetsKeepAllRegisters)
@@ -429,6 +204,39 @@ TEST(ForeignCamera, UserSetsKeepAllRegisters)
     EXPECT_THROW(camera.Execute("UserSetSave"), GenApi::Error);
     camera.Execute("UserSetLoad");
     EXPECT_EQ(camera.Int("Width"), 640);
+}
+
+TEST(ForeignCamera, UserSetsAreKeptInTheStateFile)
+{
+    const Testing::TempFolder folder;
+    CameraConfig config = ConfigOf("selectors");
+    config.stateFile = (folder.Path() / "F1.state").string();
+    {
+        Foreign camera(config);
+        camera.SetInt("Width", 160);
+        EXPECT_FALSE(std::filesystem::exists(config.stateFile)) << "nothing to keep yet";
+        camera.SetEnum("UserSetSelector", "UserSet2");
+        camera.Execute("UserSetSave");
+        camera.SetEnum("UserSetDefault", "UserSet2");
+        camera.SetInt("Width", 320);
+    }
+    {
+        Foreign camera(config);
+        EXPECT_EQ(camera.Int("Width"), 160) << "the set of power-up";
+        EXPECT_EQ(camera.Enum("UserSetDefault"), "UserSet2");
+        camera.SetEnum("UserSetSelector", "Default");
+        camera.Execute("UserSetLoad");
+        EXPECT_EQ(camera.Int("Width"), 640);
+        camera.SetEnum("UserSetSelector", "UserSet2");
+        camera.Execute("UserSetLoad");
+        EXPECT_EQ(camera.Int("Width"), 160);
+        EXPECT_EQ(camera.camera->PeekRegister(ImageSizeWord::Width), 160u);
+    }
+    config.xml += "<!-- another one -->";
+    testing::internal::CaptureStderr();
+    Foreign other(config);
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("another description"), std::string::npos);
+    EXPECT_EQ(other.Int("Width"), 640);
 }
 
 TEST(ForeignCamera, InterfaceRegistersMakeWayForTheDescriptions)
