@@ -20,7 +20,7 @@ class ForeignCamera final : public Front {
     std::string_view Xml() const override { return config_.xml; }
     void PowerUp() override;
     std::map<EventKind, std::uint16_t> EventIds() const override;
-    void SetState(std::string state) override { toRestore_ = std::move(state); }
+    void SetState(const std::string &state) override { toRestore_ = state; }
     std::optional<std::string> TakeState() override;
 
   private:

@@ -23,7 +23,7 @@ class Front : public GenCpMemory {
     virtual std::map<EventKind, std::uint16_t> EventIds() const { return {}; }
 
     /// What the front has given to be kept for the next process, before its first power-up.
-    virtual void SetState(std::string /*state*/) {}
+    virtual void SetState(const std::string & /*state*/) {}
     /// What is to be kept, when that has changed.
     virtual std::optional<std::string> TakeState() { return std::nullopt; }
 };

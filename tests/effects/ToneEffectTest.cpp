@@ -48,7 +48,7 @@ TEST_F(ToneEffectTest, BlackLevelLiftsTheSignal)
     ASSERT_EQ(SetCamBlackLevel(hCam, 10), 0u);
     settings_.blackLevel = 160;
     ExpectPicture();
-    EXPECT_EQ(At(20, 100).green, before + 160);
+    EXPECT_EQ(At(20, 100).green, before + 16 * 160);
     double min = 0, max = 0;
     ASSERT_EQ(GetCamBlackLevelMinMax(hCam, &min, &max), 0u);
     EXPECT_EQ(SetCamBlackLevel(hCam, max + 1), CAM_API_STS_INVALID_PARAMETER);
