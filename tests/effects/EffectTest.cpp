@@ -13,11 +13,25 @@ EffectTest::EffectTest() : hCam(Open())
     WriteWord(hCam, Virtual::userSetSelector, 0);
     WriteWord(hCam, Virtual::userSetLoad, 1);
     WriteWord(hCam, Virtual::commandDelay, 0); // done at once
-    EXPECT_EQ(SetCamRoi(hCam, 160, 120, 0, 0), 0u);
     settings_.sensorWidth = 1920;
     settings_.sensorHeight = 1200;
-    settings_.width = 160;
-    settings_.height = 120;
+    SetRoi(160, 120, 0, 0);
+}
+
+void EffectTest::SetRoi(uint32_t width, uint32_t height, uint32_t offsetX, uint32_t offsetY)
+{
+    ASSERT_EQ(SetCamRoi(hCam, width, height, offsetX, offsetY), 0u);
+    settings_.width = width;
+    settings_.height = height;
+    settings_.offsetX = offsetX;
+    settings_.offsetY = offsetY;
+}
+
+uint32_t EffectTest::PayloadSize() const
+{
+    uint32_t size = 0;
+    EXPECT_EQ(GetCamStreamPayloadSize(hCam, &size), 0u);
+    return size;
 }
 
 Picture EffectTest::Copy(const Delivered &delivered)

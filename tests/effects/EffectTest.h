@@ -30,6 +30,10 @@ class EffectTest : public VirtualCameraTest {
     Vcam::PictureSettings settings_;
     const CAM_HANDLE hCam;
 
+    /// Also in settings_.
+    void SetRoi(uint32_t width, uint32_t height, uint32_t offsetX, uint32_t offsetY);
+    uint32_t PayloadSize() const;
+
     /// One image of an acquisition of its own.
     Picture Take();
     /// The same, which is compared with the picture that settings_ give.

@@ -51,9 +51,7 @@ class FormatEffectTest : public EffectTest {
         EXPECT_EQ(GetCamPixelFormat(hCam, &format), 0u);
         EXPECT_EQ(format, row.code);
         EXPECT_EQ(EnumNode("PixelFormat"), row.name);
-        uint32_t payload = 0;
-        EXPECT_EQ(GetCamStreamPayloadSize(hCam, &payload), 0u);
-        EXPECT_EQ(payload, 160u * 120u * (row.code >> 16 & 0xFF) / 8) << "the code tells the bits of a pixel";
+        EXPECT_EQ(PayloadSize(), 160u * 120u * (row.code >> 16 & 0xFF) / 8) << "the code tells the bits of a pixel";
         ExpectPicture();
     }
 };
@@ -182,9 +180,7 @@ TEST_F(FormatEffectTest, FormatsWithoutARegisterPairAreRefused)
 
 TEST_F(FormatEffectTest, FormatsWithWindowsAndMirrors)
 {
-    ASSERT_EQ(
-        SetCamRoi(hCam, settings_.width = 84, settings_.height = 34, settings_.offsetX = 900, settings_.offsetY = 600),
-        0u);
+    SetRoi(84, 34, 900, 600);
     ASSERT_EQ(SetCamReverseX(hCam, settings_.reverseX = true), 0u);
     for (const CAM_PIXEL_FORMAT format : {CAM_PIXEL_FORMAT_BAYERBG12, CAM_PIXEL_FORMAT_YUV411_8_UYYVYY,
                                           CAM_PIXEL_FORMAT_YUV422_8_UYVY, CAM_PIXEL_FORMAT_BGR8}) {

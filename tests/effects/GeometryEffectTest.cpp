@@ -5,23 +5,7 @@
 namespace Orvi::Testing {
 namespace {
 
-class GeometryEffectTest : public EffectTest {
-  protected:
-    uint32_t PayloadSize() const
-    {
-        uint32_t size = 0;
-        EXPECT_EQ(GetCamStreamPayloadSize(hCam, &size), 0u);
-        return size;
-    }
-    void SetRoi(uint32_t width, uint32_t height, uint32_t offsetX, uint32_t offsetY)
-    {
-        ASSERT_EQ(SetCamRoi(hCam, width, height, offsetX, offsetY), 0u);
-        settings_.width = width;
-        settings_.height = height;
-        settings_.offsetX = offsetX;
-        settings_.offsetY = offsetY;
-    }
-};
+using GeometryEffectTest = EffectTest;
 
 TEST_F(GeometryEffectTest, WindowShowsItsPartOfTheSensor)
 {
@@ -69,44 +53,6 @@ TEST_F(GeometryEffectTest, LimitsDependOnThePartner)
     ExpectPicture(); // nothing has changed
 }
 
-TEST_F(GeometryEffectTest, BinningSumsUpAndMakesTheImageSmaller)
-{
-    ASSERT_EQ(SetCamExposureTime(hCam, settings_.exposure = 2000), 0u);
-    for (const auto &[horizontal, vertical] : {std::pair{2u, 1u}, {1u, 4u}, {3u, 3u}, {1u, 1u}}) {
-        ASSERT_EQ(SetCamBinningHorizontal(hCam, settings_.binningX = horizontal), 0u);
-        ASSERT_EQ(SetCamBinningVertical(hCam, settings_.binningY = vertical), 0u);
-        ExpectPicture();
-        uint32_t width = 0, height = 0;
-        EXPECT_EQ(GetCamSensorWidth(hCam, &width), 0u);
-        EXPECT_EQ(GetCamSensorHeight(hCam, &height), 0u);
-        EXPECT_EQ(width, 1920 / horizontal) << "what is left of the sensor";
-        EXPECT_EQ(height, 1200 / vertical);
-    }
-    EXPECT_EQ(SetCamBinningHorizontal(hCam, 5), CAM_API_STS_INVALID_PARAMETER);
-    EXPECT_EQ(SetCamBinningVertical(hCam, 0), CAM_API_STS_INVALID_PARAMETER);
-}
-
-TEST_F(GeometryEffectTest, BinningShrinksAnImageThatDoesNotFitAnyMore)
-{
-    SetRoi(1920, 1200, 0, 0);
-    ASSERT_EQ(SetCamBinningHorizontal(hCam, settings_.binningX = 4), 0u);
-    settings_.width = 480;
-    EXPECT_EQ(PayloadSize(), 480u * 1200u);
-    ExpectPicture();
-}
-
-TEST_F(GeometryEffectTest, DecimationLeavesPixelsOut)
-{
-    for (const auto &[horizontal, vertical] : {std::pair{2u, 1u}, {1u, 3u}, {4u, 4u}}) {
-        ASSERT_EQ(SetCamDecimationHorizontal(hCam, settings_.decimationX = horizontal), 0u);
-        ASSERT_EQ(SetCamDecimationVertical(hCam, settings_.decimationY = vertical), 0u);
-        ExpectPicture();
-    }
-    ASSERT_EQ(SetCamBinningHorizontal(hCam, settings_.binningX = 2), 0u);
-    ExpectPicture(); // both together
-    EXPECT_EQ(SetCamDecimationHorizontal(hCam, 5), CAM_API_STS_INVALID_PARAMETER);
-}
-
 TEST_F(GeometryEffectTest, MirroringTurnsTheImage)
 {
     SetRoi(160, 120, 64, 32);
@@ -136,15 +82,13 @@ TEST_F(GeometryEffectTest, EveryImageFormatHasItsOwnGeometry)
 {
     ASSERT_EQ(SetCamImageFormatSelector(hCam, CAM_IMAGE_FORMAT_SELECTOR_FORMAT1), 0u);
     EXPECT_EQ(PayloadSize(), 960u * 600u);
-    ASSERT_EQ(SetCamRoi(hCam, 160, 120, 0, 0), 0u);
+    SetRoi(160, 120, 0, 0);
     settings_.binningX = settings_.binningY = 2;
     ExpectPicture();
     ASSERT_EQ(SetCamImageFormatSelector(hCam, CAM_IMAGE_FORMAT_SELECTOR_FORMAT2), 0u);
-    ASSERT_EQ(SetCamRoi(hCam, 80, 60, 0, 0), 0u);
+    SetRoi(80, 60, 0, 0);
     settings_.binningX = settings_.binningY = 1;
     settings_.decimationX = settings_.decimationY = 2;
-    settings_.width = 80;
-    settings_.height = 60;
     ExpectPicture();
     ASSERT_EQ(SetCamImageFormatSelector(hCam, CAM_IMAGE_FORMAT_SELECTOR_FORMAT0), 0u);
     EXPECT_EQ(PayloadSize(), 160u * 120u);

@@ -10,7 +10,7 @@ class RoadNumberTest : public EffectTest {
     RoadNumberTest()
     {
         // Room for every change of the window
-        EXPECT_EQ(SetCamRoi(hCam, 160, 120, 64, 64), 0u);
+        SetRoi(160, 120, 64, 64);
     }
 };
 

@@ -46,7 +46,7 @@ TEST_F(SettingsFileTest, FileOfAnotherModelOrWithABrokenLineChangesNothing)
     Change();
     ASSERT_EQ(Cam_SaveParameter(hCam, file_.c_str()), 0u);
     ASSERT_EQ(ExecuteCamUserSetLoad(hCam, CAM_USER_SET_SELECTOR_DEFAULT), 0u);
-    ASSERT_EQ(SetCamRoi(hCam, 160, 120, 0, 0), 0u);
+    SetRoi(160, 120, 0, 0);
     const std::string good = ReadFile(file_);
     const std::size_t end = std::string("OrviParameters 1 Virtual Camera").size();
     const std::size_t last = static_cast<std::size_t>(std::count(good.begin(), good.end(), '\n'));

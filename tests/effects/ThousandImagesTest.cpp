@@ -23,11 +23,7 @@ using ThousandImagesTest = EffectTest;
 
 TEST_F(ThousandImagesTest, AreThePicturesOfTheirSettings)
 {
-    ASSERT_EQ(SetCamRoi(hCam, imageWidth, imageHeight, 256, 128), 0u);
-    settings_.width = imageWidth;
-    settings_.height = imageHeight;
-    settings_.offsetX = 256;
-    settings_.offsetY = 128;
+    SetRoi(imageWidth, imageHeight, 256, 128);
     const std::vector<PixelFormat> formats = PixelFormats(hCam);
     uint64_t sum = fnvBasis;
     uint32_t images = 0;

@@ -111,7 +111,7 @@ class DefectEffectTest : public EffectTest {
   protected:
     DefectEffectTest()
     {
-        EXPECT_EQ(SetCamRoi(hCam, 160, 120, settings_.offsetX = 192, settings_.offsetY = 200), 0u);
+        SetRoi(160, 120, 192, 200);
         for (const Vcam::Defect &defect : Vcam::DefectsOf(1920, 1200))
             factory_.push_back(defect);
     }
