@@ -589,6 +589,12 @@ class Settings(OrvicamTest):
 
     def test_a_file_that_cannot_be_read_is_named(self):
         self.fail_with(8, [str(self.folder / "none"), "No such file"], "--virtual", 1, "load", self.folder / "none")
+        self.fail_with(8, [str(self.folder), "Is a directory"], "--virtual", 1, "load", self.folder)
+
+    def test_no_folder_is_made_for_settings(self):
+        missing = self.folder / "missing"
+        self.fail_with(8, [str(missing / "a"), f"no folder {missing}", "make it"], "--virtual", 1, "save", missing / "a")
+        self.assertFalse(missing.exists())
 
     def test_several_cameras_do_not_share_a_file(self):
         self.fail_with(2, ["2 cameras", "--camera"], "--virtual", 2, "-c", "*", "save", self.folder / "b")

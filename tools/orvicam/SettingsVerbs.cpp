@@ -9,6 +9,7 @@
 #include "Verbs.h"
 
 #include <cerrno>
+#include <filesystem>
 #include <system_error>
 #include <unistd.h>
 
@@ -42,6 +43,26 @@ void CheckFile(CAM_API_STATUS status, const std::string &what)
         throw Failure(CodeOf(status), what + ": " + StatusText(status));
 }
 
+/// Unlike images, which go into folders of their own, settings go where the user has a folder for them.
+void CheckFolder(const std::string &file)
+{
+    const std::filesystem::path folder = std::filesystem::path(file).parent_path();
+    std::error_code ignored;
+    if (!folder.empty() && !std::filesystem::is_directory(folder, ignored))
+        throw Failure(ExitCode::File, "cannot write " + file + ": there is no folder " + folder.string() +
+                                          "; make it first, or give another name");
+}
+
+void CheckReadable(const std::string &file)
+{
+    std::error_code ignored;
+    const int error = access(file.c_str(), R_OK) != 0                ? errno
+                      : std::filesystem::is_directory(file, ignored) ? EISDIR
+                                                                     : 0;
+    if (error != 0)
+        throw Failure(ExitCode::File, "cannot read " + file + ": " + std::generic_category().message(error));
+}
+
 void Report(const Options &options, Json &list, const char *verb, const CameraEntry &entry)
 {
     list.push_back({{"serial", entry.serial}, {"file", options.file}});
@@ -58,6 +79,7 @@ void Save(const Options &options)
     if (cameras.size() > 1)
         throw Failure(ExitCode::Usage,
                       std::to_string(cameras.size()) + " cameras cannot be saved to one file: name one with --camera");
+    CheckFolder(options.file);
     AtomicFile file(options.file, options.ifExists);
     const Camera camera(cameras.front());
     CheckFile(Cam_SaveParameter(camera.Handle(), file.Temporary().c_str()),
@@ -73,8 +95,7 @@ void Load(const Options &options)
 {
     const Session session(options.virtualCameras);
     const std::vector<CameraEntry> cameras = session.Select(options.cameras, Default::TheOnly);
-    if (access(options.file.c_str(), R_OK) != 0)
-        throw Failure(ExitCode::File, "cannot read " + options.file + ": " + std::generic_category().message(errno));
+    CheckReadable(options.file);
     Json list = Json::array();
     for (const CameraEntry &entry : cameras) {
         const Camera camera(entry);
