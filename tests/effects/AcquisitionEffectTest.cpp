@@ -137,6 +137,9 @@ TEST_F(AcquisitionEffectTest, SequentialShutterExposesImageByImage)
     EXPECT_EQ(GetCamSequentialShutterEntry(hCam, max + 1, &entry), CAM_API_STS_INVALID_PARAMETER);
     EXPECT_EQ(SetCamSequentialShutterEntry(hCam, 0, 20), CAM_API_STS_INVALID_PARAMETER);
     EXPECT_EQ(SetCamSequentialShutterTerminateAt(hCam, max + 1), CAM_API_STS_INVALID_PARAMETER);
+    EXPECT_EQ(GetCamSequentialShutterEntryMinMax(hCam, &min, &max), 0u);
+    EXPECT_EQ(std::pair(min, max), std::pair(20u, 16'000'000u)) << "those of an exposure time";
+    EXPECT_EQ(SetCamSequentialShutterEntry(hCam, 1, max + 1), CAM_API_STS_INVALID_PARAMETER);
     ASSERT_EQ(SetCamSequentialShutterEnable(hCam, false), 0u);
     settings_.exposure = 10000;
     ExpectPicture();

@@ -1,4 +1,4 @@
-// Pixel formats and test patterns.
+// Pixel formats.
 
 #include "tests/effects/EffectTest.h"
 
@@ -188,21 +188,6 @@ TEST_F(FormatEffectTest, FormatsWithWindowsAndMirrors)
         settings_.pixelFormat = format;
         ExpectPicture();
     }
-}
-
-TEST_F(FormatEffectTest, TestPatternsTakeThePlaceOfTheSensor)
-{
-    for (uint32_t pattern = 0; pattern <= 8; ++pattern) {
-        ASSERT_EQ(SetCamTestPattern(hCam, CAM_TEST_PATTERN_TYPE(pattern)), 0u);
-        settings_.testPattern = pattern;
-        CAM_TEST_PATTERN_TYPE now{};
-        EXPECT_EQ(GetCamTestPattern(hCam, &now), 0u);
-        EXPECT_EQ(uint32_t(now), pattern);
-        ExpectPicture();
-    }
-    EXPECT_EQ(SetCamTestPattern(hCam, CAM_TEST_PATTERN_TYPE(9)), CAM_API_STS_NOT_AVAILABLE);
-    EXPECT_EQ(SetCamTestPattern(hCam, CAM_TEST_PATTERN_TYPE(128)), CAM_API_STS_UNSUCCESSFUL);
-    ExpectPicture();
 }
 
 } // namespace
