@@ -82,7 +82,7 @@ TEST(Formula, IntegersFollowTheTable)
         {"A > 9 ? 10 : A > 6 ? 15 : 20", 15}, {"1 | 2 ^ 3 & 5", 3}, {"1 + 1 << 2", 8}, {"4 > 3 = 1", 1},
         {"1 = 1 && 2 = 2 || 0", 1}, {"BIG + 1", 4611686018427387906}, {"BIG * 1 - 1", 4611686018427387904},
         {"BIG / 1", 4611686018427387905}, {"K", 9223372036854775807}, {"K + 1", std::numeric_limits<std::int64_t>::min()},
-        {"0xFFFFFFFFFFFFFFFF", -1}, {"9223372036854775807", 9223372036854775807}, {"SUM * 2", 8}, {"ABS(B)", 3},
+        {"0xFFFFFFFFFFFFFFFF", -1}, {"-9223372036854775807 - 1", std::numeric_limits<std::int64_t>::min()}, {"9223372036854775807", 9223372036854775807}, {"SUM * 2", 8}, {"ABS(B)", 3},
         {"NEG(A)", -7}, {"SGN(B)", -1}, {"SGN(Z)", 0}, {"SGN(A)", 1}, {"ABS(BIG)", 4611686018427387905},
         {"ROUND(2.5)", 3}, {"ROUND(-2.5)", -3}, {"TRUNC(2.9)", 2}, {"FLOOR(-2.1)", -3}, {"CEIL(2.1)", 3},
         {"A * 0.5", 4}, {"B * 0.5", -2}, {"SQRT(16)", 4}, {"+A", 7}, {"- - A", 7}, {"\t( ( A ) )\n", 7},
@@ -105,7 +105,7 @@ TEST(Formula, FloatsFollowTheTable)
         {"LG(1000)", 3}, {"SQRT(2)", std::sqrt(2.0)}, {"TRUNC(-1.5)", -1}, {"FLOOR(-1.5)", -2}, {"CEIL(1.2)", 2},
         {"ROUND(1.5)", 2}, {"ROUND(-0.5)", -1}, {"ROUND(3.14159, 2)", 3.14}, {"ROUND(1234, -2)", 1200},
         {"ABS(B / 2)", 1.5}, {"NEG(X)", -0.5}, {"SGN(B)", -1}, {"PI", 3.14159265358979323846}, {"E", std::exp(1.0)},
-        {"PI() + E()", 3.14159265358979323846 + std::exp(1.0)}, {"ROUND(-2.5)", -3}, {"ROUND(2.345, 1 + 1)", 2.35}, {"ROUND(A, 0)", 7},
+        {"9300000000000000000", 9.3e18}, {"0xFFFFFFFFFFFFFFFF", -1}, {"PI() + E()", 3.14159265358979323846 + std::exp(1.0)}, {"ROUND(-2.5)", -3}, {"ROUND(2.345, 1 + 1)", 2.35}, {"ROUND(A, 0)", 7},
         {"A > 6.5 ? X : 1", 0.5}, {"Z ? 1 : 2.5", 2.5}, {"A & 3", 3}, {"1 << 3", 8}, {"(A = 7) + 1", 2},
         {"X && 1", 1}, {"20 * LG(100 / 10)", 20},
         // clang-format on
@@ -125,7 +125,9 @@ TEST(Formula, WhatHasNoResultIsAnError)
     EXPECT_THAT(FormulaFailure("LN(Z)"), HasSubstr("no finite result"));
     EXPECT_THAT(FormulaFailure("10 ** 400"), HasSubstr("no finite result"));
     EXPECT_THAT(FormulaFailure("1e30", Arithmetic::Integer), HasSubstr("64-bit"));
+    EXPECT_THAT(FormulaFailure("9223372036854775808", Arithmetic::Integer), HasSubstr("64-bit"));
     EXPECT_THAT(FormulaFailure("1 << B", Arithmetic::Integer), HasSubstr("negative"));
+    EXPECT_THAT(FormulaFailure("1 >> B", Arithmetic::Integer), HasSubstr("negative"));
 }
 
 TEST(Formula, WhatIsNoFormulaIsRefusedWithAReason)

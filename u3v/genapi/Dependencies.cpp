@@ -1,6 +1,6 @@
-// Whether every node can be evaluated: nothing depends on itself, and no chain is too long for a thread's stack.
-// A node is split into what can be asked of it, because the value of Width may well decide the maximum of OffsetX while
-// the value of OffsetX decides the maximum of Width.
+// Whether every node can be evaluated: it refers to nodes of the right types, nothing depends on itself, and no chain is
+// too long for a thread's stack. A node is split into what can be asked of it, because the value of Width may well
+// decide the maximum of OffsetX while the value of OffsetX decides the maximum of Width.
 
 #include "u3v/genapi/Loader.h"
 #include "u3v/genapi/Properties.h"
@@ -9,6 +9,35 @@
 namespace Orvi::GenApi {
 
 namespace {
+
+/// The kind of value that a link is followed for.
+constexpr bool NeedsNumber(Role role)
+{
+    switch (role) {
+    case Role::Value:
+    case Role::Copy:
+    case Role::Index:
+    case Role::Variable:
+    case Role::VariableLimit:
+    case Role::Limit:
+    case Role::Condition:
+    case Role::Address:
+    case Role::CommandValue:
+    case Role::Error:
+    case Role::ChunkId:
+    case Role::BlockPolling:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool HasNumber(const Node &node)
+{
+    const NodeType type = node.Type();
+    return type == NodeType::Integer || type == NodeType::Float || type == NodeType::Boolean ||
+           type == NodeType::Enumeration || type == NodeType::EnumEntry || IsOfOtherBus(node);
+}
 
 enum Question : std::uint8_t { Value, Range, Access, Write, Tree, questions };
 
@@ -107,6 +136,15 @@ class DependencyCheck {
 };
 
 } // namespace
+
+void CheckTargets(const Loader &loader, const MapState &state)
+{
+    for (const auto &node : state.nodes)
+        for (const Link &link : node->Links())
+            if (NeedsNumber(link.role) && !HasNumber(*link.target) && node->Type() != NodeType::String)
+                FailLoading(loader, *node,
+                            Say("needs a number of ", link.target->Name(), ", which is a ", link.target->KindName()));
+}
 
 void CheckDependencies(const Loader &loader, const MapState &state) { DependencyCheck(loader, state); }
 

@@ -15,35 +15,6 @@ std::string_view NameOf(pugi::xml_node element) { return element.attribute("Name
 
 std::int64_t NumberOf(pugi::xml_attribute attribute, std::int64_t otherwise) { return attribute.as_llong(otherwise); }
 
-/// The kind of value that a link is followed for.
-constexpr bool NeedsNumber(Role role)
-{
-    switch (role) {
-    case Role::Value:
-    case Role::Copy:
-    case Role::Index:
-    case Role::Variable:
-    case Role::VariableLimit:
-    case Role::Limit:
-    case Role::Condition:
-    case Role::Address:
-    case Role::CommandValue:
-    case Role::Error:
-    case Role::ChunkId:
-    case Role::BlockPolling:
-        return true;
-    default:
-        return false;
-    }
-}
-
-bool HasNumber(const Node &node)
-{
-    const NodeType type = node.Type();
-    return type == NodeType::Integer || type == NodeType::Float || type == NodeType::Boolean ||
-           type == NodeType::Enumeration || type == NodeType::EnumEntry || IsOfOtherBus(node);
-}
-
 } // namespace
 
 void Loader::Load()
@@ -81,7 +52,7 @@ void Loader::Load()
         TakeProperties(*pending.node, pending.element);
     }
     GiveLinks();
-    CheckTargets();
+    CheckTargets(*this, state_);
     // Formulas may use the entries of enumerations.
     for (const bool enumerations : {true, false})
         for (const auto &node : state_.nodes)
@@ -213,15 +184,6 @@ void Loader::GiveLinks()
             ++end;
         state_.nodes[links_[begin].first]->SetLinks(std::span(state_.links).subspan(begin, end - begin));
     }
-}
-
-void Loader::CheckTargets() const
-{
-    for (const auto &node : state_.nodes)
-        for (const Link &link : node->Links())
-            if (NeedsNumber(link.role) && !HasNumber(*link.target) && node->Type() != NodeType::String)
-                FailLoading(*this, *node,
-                            Say("needs a number of ", link.target->Name(), ", which is a ", link.target->KindName()));
 }
 
 Node *Loader::InnerNode(pugi::xml_node element) const

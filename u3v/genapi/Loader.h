@@ -66,7 +66,6 @@ class Loader {
     void Add(Node *node, pugi::xml_node element, pugi::xml_node outer);
     void TakeProperties(Node &node, pugi::xml_node element);
     void GiveLinks();
-    void CheckTargets() const;
     void Note(pugi::xml_node element, const std::string &text);
     std::size_t LineAt(std::ptrdiff_t offset) const;
     [[noreturn]] void Fail(pugi::xml_node element, const std::string &text) const;
@@ -84,6 +83,9 @@ class Loader {
 
 /// Gives the registers below polled nodes, and those that go stale when a polled value changes, their polling times.
 void SpreadPolling(const MapState &state);
+
+/// Refuses nodes that need a number of one that has none.
+void CheckTargets(const Loader &loader, const MapState &state);
 
 /// Refuses nodes that depend on themselves, or on each other too deeply to be evaluated.
 void CheckDependencies(const Loader &loader, const MapState &state);
