@@ -1,5 +1,7 @@
 #include "TestMap.h"
 
+#include "u3v/genapi/RegisterCache.h"
+
 #include <gmock/gmock.h>
 
 namespace Orvi::GenApi {
@@ -125,6 +127,86 @@ TEST(Cache, CommandsInvalidateWhenExecutedAndWhenDone)
     EXPECT_EQ(map.Int("Setting"), 77);
 }
 
+TEST(Cache, ACommandThatIsDoneAtOnceInvalidatesToo)
+{
+    for (const char *mode : {"WriteThrough", "NoCache"}) {
+        TestMap map(Cached("Raw", 0, mode) +
+                    "<Command Name=\"Load\"><pValue>Raw</pValue><CommandValue>1</CommandValue></Command>" +
+                    Reg("IntReg", "Setting", 4, "<pInvalidator>Load</pInvalidator>"));
+        map->Execute(map["Load"]);
+        EXPECT_EQ(map.Int("Setting"), 0);
+        map.port.Put<std::uint32_t>(0, 0);
+        map.port.Put<std::uint32_t>(4, 77);
+        EXPECT_TRUE(map->IsDone(map["Load"]));
+        EXPECT_EQ(map.Int("Setting"), 77);
+    }
+}
+
+TEST(Cache, AConstantThatIsSetInvalidates)
+{
+    TestMap map("<Integer Name=\"Mode\"><Value>0</Value></Integer>" +
+                Reg("IntReg", "Size", 4, "<pInvalidator>Mode</pInvalidator>"));
+    map.Int("Size");
+    map.port.Put<std::uint32_t>(4, 9);
+    map.Set("Mode", 1);
+    EXPECT_EQ(map.Int("Size"), 9);
+}
+
+TEST(Cache, KnowsWhichBytesOfARegisterItHas)
+{
+    // Across the words that the cache counts bytes in, and across its pages.
+    for (const int boundary : {0x40, 0x100, 0x140}) {
+        TestMap map(Reg("IntReg", "Whole", boundary - 4, "", 8) + Reg("IntReg", "Low", boundary - 4) +
+                    Reg("IntReg", "High", boundary));
+        for (const char *part : {"Low", "High"}) {
+            map->Invalidate();
+            map.port.Put<std::uint64_t>(static_cast<std::uint64_t>(boundary - 4), 0);
+            EXPECT_EQ(map.Int(part), 0);
+            map.port.Put<std::uint64_t>(static_cast<std::uint64_t>(boundary - 4), 0x0000000200000001);
+            EXPECT_EQ(map.Int("Whole"), 0x0000000200000001) << part << " alone was known at " << boundary;
+        }
+        map.port.reads = 0;
+        EXPECT_EQ(map.Int("Low") + map.Int("High") + (map.Int("Whole") >> 32), 5);
+        EXPECT_EQ(map.port.reads, 0);
+    }
+}
+
+TEST(Cache, IsBounded)
+{
+    RegisterCache cache;
+    std::uint64_t pages = 0;
+    while (pages < 1'000'000 && cache.PageOf(pages * RegisterCache::Page::size) != nullptr)
+        ++pages;
+    EXPECT_EQ(pages, 16384u);
+    std::array<std::byte, 4> bytes{std::byte{1}};
+    cache.Store(~std::uint64_t{0xFF}, bytes);
+    EXPECT_FALSE(cache.Read(~std::uint64_t{0xFF}, bytes)) << "what finds no room is read anew each time";
+    cache.Store(0, bytes);
+    EXPECT_TRUE(cache.Read(0, bytes));
+}
+
+TEST(Cache, ForgetsARegisterAtAllItsPlacesAndLengths)
+{
+    TestMap map(
+        "<Integer Name=\"I\"><Value>0</Value></Integer>" +
+        Reg("IntReg", "Moving", 0, "<pIndex Offset=\"4\">I</pIndex>") +
+        "<Register Name=\"Long\"><Address>0x4000</Address><pLength>I</pLength><pPort>Device</pPort></Register>");
+    std::array<std::byte, 8> bytes{};
+    for (const std::uint32_t round : {1u, 2u}) {
+        for (std::uint32_t i = 0; i < 600; ++i) {
+            map.port.Put<std::uint32_t>(4 * i, round * 1000 + i);
+            map.Set("I", i);
+            EXPECT_EQ(map.Int("Moving"), round * 1000 + i);
+        }
+        map.port.Put<std::uint32_t>(0x4000, round);
+        map.Set("I", 8);
+        map->GetBytes(map["Long"], bytes);
+        EXPECT_EQ(bytes[0], std::byte{static_cast<unsigned char>(round)});
+        map->Invalidate(map["Moving"]);
+        map->Invalidate(map["Long"]);
+    }
+}
+
 constexpr const char *selector = "<Enumeration Name=\"Sel\"><EnumEntry Name=\"A\"><Value>0</Value></EnumEntry>"
                                  "<EnumEntry Name=\"B\"><Value>1</Value></EnumEntry><pValue>SelReg</pValue>"
                                  "<pSelected>Gain</pSelected></Enumeration>";
@@ -226,6 +308,26 @@ TEST(Polling, ReachesWhatAPolledValueMakesStale)
     EXPECT_EQ(polled.ReadsAt(9, all), 0);
     EXPECT_EQ(polled.ReadsAt(10, all), 1);
     EXPECT_EQ(polled.ReadsAt(100, {"Size", "View", "Still"}), 2) << "nobody has read Mode itself";
+}
+
+TEST(Polling, OfARegisterThatMovesIsThatOfEachPlace)
+{
+    PolledMap polled("<Integer Name=\"Sel\"><Value>0</Value></Integer>" +
+                     Reg("IntReg", "V", 0, "<PollingTime>100</PollingTime><pIndex Offset=\"4\">Sel</pIndex>"));
+    EXPECT_EQ(polled.ReadsAt(0, {"V"}), 1);
+    polled.map.Set("Sel", 1);
+    EXPECT_EQ(polled.ReadsAt(90, {"V"}), 1);
+    polled.map.Set("Sel", 0);
+    EXPECT_EQ(polled.ReadsAt(110, {"V"}), 1) << "the time of the other place does not count";
+}
+
+TEST(Polling, IsNotBlockedByANodeWithoutAValue)
+{
+    PolledMap polled(Reg("IntReg", "V", 0, "<PollingTime>100</PollingTime><pBlockPolling>None</pBlockPolling>") +
+                     "<Integer Name=\"Zero\"><Value>0</Value></Integer><IntSwissKnife Name=\"None\">"
+                     "<pVariable Name=\"Z\">Zero</pVariable><Formula>1 / Z</Formula></IntSwissKnife>");
+    EXPECT_EQ(polled.ReadsAt(0, {"V"}), 1);
+    EXPECT_EQ(polled.ReadsAt(100, {"V"}), 1);
 }
 
 TEST(Polling, IsBlockedByItsNode)

@@ -38,7 +38,16 @@ TEST(Access, CombinesTheWholeChain)
         "Name=\"Conv\"><FormulaTo>FROM</FormulaTo><FormulaFrom>TO</FormulaFrom><pValue>Locked</pValue></IntConverter>"
         "<IntSwissKnife Name=\"Knife\"><pVariable "
         "Name=\"A\">NotAvailable</pVariable><Formula>A</Formula></IntSwissKnife>"
-        "<IntReg Name=\"Default\"><Address>0</Address><Length>4</Length><pPort>Device</pPort></IntReg>");
+        "<IntReg Name=\"Default\"><Address>0</Address><Length>4</Length><pPort>Device</pPort></IntReg>"
+        "<Integer Name=\"ImposedNa\"><ImposedAccessMode>NA</ImposedAccessMode><pValue>Rw</pValue></Integer>"
+        "<Integer Name=\"ImposedNi\"><ImposedAccessMode>NI</ImposedAccessMode><pValue>Rw</pValue></Integer>"
+        "<Integer Name=\"MissingNa\"><ImposedAccessMode>NA</ImposedAccessMode><pValue>NotImplemented</pValue></Integer>"
+        "<Integer Name=\"Chosen\"><pIndex>NotAvailable</pIndex><ValueDefault>1</ValueDefault></Integer>" +
+        Reg("IntReg", "AtNode", 0, "<pAddress>NotAvailable</pAddress>") +
+        Reg("IntReg", "AtIndex", 0, "<pIndex Offset=\"4\">NotAvailable</pIndex>") +
+        Reg("IntReg", "AtOffset", 0, "<pIndex pOffset=\"NotAvailable\">Yes</pIndex>") +
+        "<Port Name=\"Closed\"><pIsAvailable>No</pIsAvailable></Port>"
+        "<IntReg Name=\"AtPort\"><Address>0</Address><Length>4</Length><pPort>Closed</pPort></IntReg>");
     const struct {
         const char *name;
         AccessMode mode;
@@ -53,10 +62,22 @@ TEST(Access, CombinesTheWholeChain)
         {"OverMissing", AccessMode::NotImplemented}, {"Bool", AccessMode::ReadOnly},
         {"Cmd", AccessMode::WriteOnly},         {"Conv", AccessMode::ReadOnly},
         {"Knife", AccessMode::NotAvailable},    {"Yes", AccessMode::ReadWrite},
+        {"ImposedNa", AccessMode::NotAvailable}, {"ImposedNi", AccessMode::NotImplemented},
+        {"MissingNa", AccessMode::NotImplemented}, {"Chosen", AccessMode::NotAvailable},
+        {"AtNode", AccessMode::NotAvailable},   {"AtIndex", AccessMode::NotAvailable},
+        {"AtOffset", AccessMode::NotAvailable}, {"AtPort", AccessMode::NotAvailable},
         // clang-format on
     };
     for (const auto &row : rows)
         EXPECT_EQ(map->Access(map[row.name]), row.mode) << row.name;
+}
+
+TEST(Access, ReadingAsksNoLock)
+{
+    TestMap map(Reg("IntReg", "Lock", 4, "<Cachable>NoCache</Cachable>") + RegOf("Raw", "RW") +
+                "<Integer Name=\"Width\"><pIsLocked>Lock</pIsLocked><pValue>Raw</pValue></Integer>");
+    map.Int("Width");
+    EXPECT_EQ(map.port.reads, 1);
 }
 
 TEST(Access, RefusalsSayWhatDecides)
@@ -102,6 +123,11 @@ TEST(PortFailure, NamesNodeAndAddress)
     EXPECT_EQ(ErrorOf([&] { map.Set("GainReg", 1); }), "[GainReg] cannot write 0x40, the camera says no");
     map.port.failure = 0;
     EXPECT_EQ(map.Int("Gain"), 0) << "a failed write must not be remembered as done";
+    map.port.failure = CAM_API_STS_ACCESS_DENIED;
+    EXPECT_NE(ErrorOf([&] { map.Set("Gain", 5); }), "");
+    map.port.failure = 0;
+    map.port.Put<std::uint32_t>(0x40, 5);
+    EXPECT_EQ(map.Int("Gain"), 5) << "nor as not done";
 }
 
 TEST(PortFailure, AGoneOrSilentCameraIsReportedAsSuch)

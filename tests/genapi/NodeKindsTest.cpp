@@ -57,6 +57,18 @@ TEST(MaskedIntReg, LeavesTheOtherBitsAlone)
     EXPECT_EQ(map.Int("BigTop"), 1);
 }
 
+TEST(MaskedIntReg, TakesItsBitsInEitherOrder)
+{
+    TestMap map(Reg("MaskedIntReg", "Little", 0, "<LSB>11</LSB><MSB>4</MSB>") +
+                Reg("MaskedIntReg", "Big", 0, "<LSB>24</LSB><MSB>31</MSB><Endianess>BigEndian</Endianess>") +
+                Reg("IntReg", "Swapped", 0, "<Swap>Yes</Swap>") +
+                Reg("IntReg", "Straight", 0, "<Swap>Yes</Swap><Endianess>LittleEndian</Endianess>"));
+    map.port.Put<std::uint32_t>(0, 0x12345678);
+    EXPECT_EQ(map.Int("Little"), 0x67);
+    EXPECT_EQ(map.Int("Big"), 0x12);
+    EXPECT_EQ(map.Int("Swapped"), 0x78563412);
+}
+
 TEST(StructReg, EntriesShareTheRegister)
 {
     TestMap map("<StructReg Comment=\"x\"><Address>0x20</Address><Length>4</Length><AccessMode>RW</AccessMode>"
@@ -135,6 +147,8 @@ TEST(Register, GivesItsBytes)
     std::array<std::byte, 17> more;
     EXPECT_THAT(ErrorOf([&] { map->GetBytes(map["Raw"], more); }), HasSubstr("[Raw] cannot give 17 bytes"));
 
+    EXPECT_THAT(ErrorOf([&] { map->SetBytes(map["Raw"], more); }), HasSubstr("[Raw] cannot take 17 bytes"));
+
     const int transfers = map.port.reads + map.port.writes;
     map->GetBytes(map["Raw"], {});
     map->SetBytes(map["Raw"], {});
@@ -154,6 +168,16 @@ TEST(Address, IsTheSumOfItsParts)
     EXPECT_EQ(map->RegisterAddress(map["R"]), 4u + 8 + 0x100 + 0x20 + 8 + 0x40 + 0x2000);
     map.Set("Index", 0);
     EXPECT_EQ(map->RegisterAddress(map["R"]), 4u + 8 + 0x100);
+}
+
+TEST(Registers, RefuseALengthThatNoneCanHave)
+{
+    TestMap map(
+        "<Integer Name=\"L\"><Value>-1</Value></Integer><StringReg Name=\"S\"><Address>0</Address><pLength>L</pLength>"
+        "<AccessMode>RW</AccessMode></StringReg>");
+    EXPECT_EQ(ErrorOf([&] { map->GetString(map["S"]); }), "[S] has a length of -1 bytes, 67108864 can be");
+    map.Set("L", 1 << 30);
+    EXPECT_THAT(ErrorOf([&] { map->SetString(map["S"], "a"); }), HasSubstr("[S] has a length of 1073741824 bytes"));
 }
 
 TEST(Registers, MayTakeAConstantLengthFromANode)
@@ -181,6 +205,21 @@ TEST(Integer, TakesRangeAndStepFromConstantsOrNodes)
     EXPECT_EQ(ErrorOf([&] { map.Set("Width", 18); }),
               "[Width] cannot take 18, the step is 4 from 8: 16 is the next below");
     EXPECT_EQ(map.port.Get<std::uint32_t>(0), 64u);
+}
+
+TEST(Integer, GivesTheWholeLimitsInsideThoseOfAFloat)
+{
+    TestMap map("<Float Name=\"F\"><Value>1</Value><Min>0.2</Min><Max>9.8</Max></Float>"
+                "<Float Name=\"Wide\"><Value>1</Value><Min>-1e30</Min></Float>"
+                "<Integer Name=\"I\"><pValue>F</pValue></Integer><Integer Name=\"J\"><pValue>Wide</pValue></Integer>"
+                "<Integer Name=\"NoStep\"><Value>5</Value><Inc>0</Inc></Integer>");
+    EXPECT_EQ(map->IntMin(map["I"]), 1);
+    EXPECT_EQ(map->IntMax(map["I"]), 9);
+    EXPECT_EQ(map->IntMin(map["J"]), std::numeric_limits<std::int64_t>::min());
+    EXPECT_EQ(map->IntMax(map["J"]), std::numeric_limits<std::int64_t>::max());
+    EXPECT_EQ(map->IntInc(map["NoStep"]), 1);
+    map.Set("NoStep", 7);
+    EXPECT_EQ(map.Int("NoStep"), 7);
 }
 
 TEST(Integer, ChoosesAmongIndexedValues)
@@ -486,6 +525,33 @@ TEST(Boolean, MapsItsTwoValues)
     EXPECT_FALSE(map->GetBool(map["B"]));
     map.port.Put<std::uint32_t>(0, 5);
     EXPECT_EQ(ErrorOf([&] { map->GetBool(map["B"], {.ignoreCache = true}); }), "[B] reads 5, on is 6 and off is 9");
+}
+
+TEST(Boolean, TakesItsConstantAsWordOrNumber)
+{
+    TestMap map("<Boolean Name=\"Yes\"><Value>true</Value><OnValue>6</OnValue></Boolean>"
+                "<Boolean Name=\"No\"><Value>false</Value></Boolean><Boolean Name=\"One\"><Value>1</Value></Boolean>"
+                "<Boolean Name=\"Late\"><OnValue>6</OnValue><Value>true</Value></Boolean>");
+    EXPECT_TRUE(map->GetBool(map["Yes"]));
+    EXPECT_TRUE(map->GetBool(map["Late"]));
+    EXPECT_FALSE(map->GetBool(map["No"]));
+    EXPECT_TRUE(map->GetBool(map["One"]));
+    map->SetBool(map["One"], false);
+    EXPECT_FALSE(map->GetBool(map["One"]));
+}
+
+TEST(Command, WritesTheValueOfItsNodeAndLetsTheCameraTakeItBack)
+{
+    TestMap map(Reg("IntReg", "Raw", 0) +
+                "<Integer Name=\"Code\"><Value>3</Value></Integer>"
+                "<Command Name=\"Go\"><pValue>Raw</pValue><pCommandValue>Code</pCommandValue></Command>");
+    map->Execute(map["Go"]);
+    EXPECT_EQ(map.port.Get<std::uint32_t>(0), 3u);
+    map.port.Put<std::uint32_t>(0, 0);
+    EXPECT_EQ(map.Int("Raw"), 0) << "what a command writes is not remembered";
+    map.port.keeps = std::byte{0};
+    map->Execute(map["Go"], Verify::Yes);
+    EXPECT_TRUE(map->IsDone(map["Go"]));
 }
 
 TEST(Command, IsDoneWhenTheCameraHasTakenItsValueBack)

@@ -160,6 +160,26 @@ TEST(Events, ShowTheirDataThroughTheEventPort)
                 HasSubstr("cannot read 0x4, the data delivered are 8 bytes long"));
 }
 
+TEST(Events, DataCanNeitherBeMissedNorWritten)
+{
+    TestMap map(
+        "<Port Name=\"EventPort\"><EventID>1</EventID></Port>"
+        "<IntReg Name=\"Id\"><Address>0</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>EventPort</pPort>"
+        "</IntReg><IntReg Name=\"Far\"><Address>0x100</Address><Length>4</Length><pPort>EventPort</pPort></IntReg>"
+        "<Integer Name=\"Asks\"><Value>1</Value><pIsAvailable>Id</pIsAvailable></Integer>"
+        "<Integer Name=\"Copies\"><Value>1</Value><pValueCopy>Id</pValueCopy></Integer>");
+    EXPECT_EQ(ErrorOf([&] { map.Int("Asks"); }), "[Asks] cannot be read, no data has been delivered (at EventPort)");
+    map->DeliverEvent(1, std::array<std::byte, 4>{std::byte{7}});
+    EXPECT_EQ(map.Int("Asks"), 1);
+    EXPECT_EQ(map->Access(map["Id"]), AccessMode::ReadOnly);
+    EXPECT_EQ(ErrorOf([&] { map.Set("Id", 1); }), "[Id] cannot be written, it is read-only");
+    EXPECT_EQ(ErrorOf([&] { map.Set("Copies", 1); }),
+              "[Copies] cannot be written, it shows delivered data (at EventPort)");
+    EXPECT_EQ(ErrorOf([&] { map.Int("Far"); }),
+              "[Far] cannot read 0x100, the data delivered are 4 bytes long (at EventPort)");
+    EXPECT_EQ(map.Int("Id"), 7);
+}
+
 TEST(Chunks, ShowTheirDataThroughTheChunkPort)
 {
     TestMap map(eventNodes);
@@ -188,9 +208,11 @@ TEST(Port, MaySwapTheByteOrder)
 {
     TestMap map(
         "<Port Name=\"Swapped\"><SwapEndianess>Yes</SwapEndianess></Port><IntReg Name=\"R\"><Address>0</Address>"
-        "<Length>4</Length><pPort>Swapped</pPort></IntReg>");
+        "<Length>4</Length><pPort>Swapped</pPort></IntReg><IntReg Name=\"Big\"><Address>0</Address><Length>4</Length>"
+        "<Endianess>BigEndian</Endianess><pPort>Swapped</pPort></IntReg>");
     map.port.Put<std::uint32_t>(0, 0x01020304);
     EXPECT_EQ(map.Int("R"), 0x04030201);
+    EXPECT_EQ(map.Int("Big"), 0x01020304);
 }
 
 } // namespace

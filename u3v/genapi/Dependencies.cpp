@@ -1,5 +1,5 @@
-// Whether every node can be evaluated: it refers to nodes of the right types, nothing depends on itself, and no chain is
-// too long for a thread's stack. A node is split into what can be asked of it, because the value of Width may well
+// Whether every node can be evaluated: it refers to nodes of the right types, nothing depends on itself, and no chain
+// is too long for a thread's stack. A node is split into what can be asked of it, because the value of Width may well
 // decide the maximum of OffsetX while the value of OffsetX decides the maximum of Width.
 
 #include "u3v/genapi/Loader.h"

@@ -157,7 +157,8 @@ bool BooleanNode::Take(const Property &property)
     case Prop::Value:
         // A word or the number.
         if (property.Text() == "true" || property.Text() == "false") {
-            value_.Take(property.Text() == "true" ? on_ : off_);
+            word_ = property.Text() == "true";
+            value_.given = true;
             return true;
         }
         [[fallthrough]];
@@ -172,6 +173,8 @@ void BooleanNode::Finish(Loader &loader)
         FailLoading(loader, *this, "has no value");
     if (on_ == off_)
         FailLoading(loader, *this, "has the same OnValue and OffValue");
+    if (word_)
+        value_.Take(*word_ ? on_ : off_);
 }
 
 std::int64_t BooleanNode::Value(Run &run)
@@ -215,7 +218,6 @@ void CommandNode::Execute(Run &run)
     StoreValue(inner, *this, value_, command_.Get(run));
     pending_ = true;
     run.map.Forget(*this);
-    run.map.Changed(*this);
 }
 
 bool CommandNode::IsDone(Run &run)

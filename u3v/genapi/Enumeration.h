@@ -78,6 +78,7 @@ class BooleanNode final : public NumberNode<std::int64_t> {
   private:
     Source<std::int64_t> value_;
     std::int64_t on_ = 1, off_ = 0;
+    std::optional<bool> word_; ///< its value, which may stand before that of OnValue
 };
 
 class CommandNode final : public Node {

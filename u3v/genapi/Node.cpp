@@ -87,11 +87,7 @@ AccessMode Node::AccessUnderConditions(Run &run)
         return AccessMode::NotImplemented;
     if (available_ && available_->GetInt(run) == 0)
         return AccessMode::NotAvailable;
-    AccessMode mode = ValueAccess(run);
-    if (said_.imposed != AccessMode::ReadWrite)
-        mode = said_.imposed == AccessMode::NotAvailable && mode != AccessMode::NotImplemented
-                   ? AccessMode::NotAvailable
-                   : Combine(mode, said_.imposed);
+    AccessMode mode = Combine(ValueAccess(run), said_.imposed);
     if (locked_ && !run.reading && IsWritable(mode) && locked_->GetInt(run) != 0)
         mode = mode == AccessMode::ReadWrite ? AccessMode::ReadOnly : AccessMode::NotAvailable;
     return mode;

@@ -96,7 +96,8 @@ AccessMode RegisterNode::RegisterAccess(Run &run)
             if (!IsReadable(node->Access(run)))
                 return AccessMode::NotAvailable;
         for (const Offset &offset : moving_->offsets)
-            if (!IsReadable(offset.index->Access(run)))
+            if (!IsReadable(offset.index->Access(run)) ||
+                (offset.factorNode && !IsReadable(offset.factorNode->Access(run))))
                 return AccessMode::NotAvailable;
     }
     return port_ && !port_->IsAlwaysOpen() ? Combine(accessMode_, port_->Access(run)) : accessMode_;
