@@ -15,7 +15,8 @@ using GenApi::FormulaName;
 
 namespace {
 
-/// A to H are variables, I and J constants, X an expression, Y one that refers to itself.
+/// A to H are variables, G and H integers in any formula, I and J constants, X an expression, Y one that refers to
+/// itself.
 class Names : public GenApi::FormulaNames {
   public:
     std::optional<FormulaName> Look(std::string_view name) override
@@ -24,7 +25,7 @@ class Names : public GenApi::FormulaNames {
             return std::nullopt;
         const char letter = name.front();
         if (letter >= 'A' && letter <= 'H')
-            return FormulaName{FormulaName::Kind::Variable, static_cast<unsigned>(letter - 'A')};
+            return FormulaName{FormulaName::Kind::Variable, static_cast<unsigned>(letter - 'A'), {}, {}, letter >= 'G'};
         if (letter == 'I')
             return FormulaName{FormulaName::Kind::Integer, 0, {.i = std::numeric_limits<std::int64_t>::min()}};
         if (letter == 'J')
@@ -45,7 +46,8 @@ class Variables : public GenApi::FormulaVariables {
         constexpr std::int64_t integers[] = {0, 1, -1, 7, 63, 1LL << 53, INT64_MAX, INT64_MIN};
         constexpr double floats[] = {0, 1, -1, 0.5, 63, 1e308, -1e308, 5e-324};
         const std::size_t place = (variable + shift_) % std::size(integers);
-        return arithmetic_ == Arithmetic::Integer ? Cell{.i = integers[place]} : Cell{.f = floats[place]};
+        const bool isInteger = arithmetic_ == Arithmetic::Integer || variable >= 6;
+        return isInteger ? Cell{.i = integers[place]} : Cell{.f = floats[place]};
     }
 
   private:

@@ -291,6 +291,12 @@ TEST_F(DescriptionCacheTest, NothingButWholeFilesIsEverInTheFolder)
             EXPECT_EQ(cache.Find(Sha1(file)).value_or(file), file);
     });
     const DescriptionCache cache(folder, identity);
+    // A file is replaced, not written over: who has the old one open goes on reading that.
+    const std::string damaged(file.size(), 'x');
+    std::ofstream(Path(), std::ios::binary) << damaged;
+    std::ifstream old(Path(), std::ios::binary);
+    cache.Keep(Sha1(file), file);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(old), {}), damaged);
     for (int i = 0; i < 30; ++i) {
         cache.Keep(Sha1(file), file);
         EXPECT_TRUE(cache.Find(Sha1(file)).has_value()) << "a file that is written again is whole all the time";
