@@ -1,8 +1,7 @@
 #!/usr/bin/env python3
 """Writes the compile commands that ./dev check lints into BUILD/lint/compile_commands.json.
 
-Those of the product alone, each source once: a test that compiles a source of ours again does so with GCC's precompiled
-header, which clang-tidy cannot read.
+Those of the product alone, each source once, and without GCC's precompiled headers, which clang-tidy cannot read.
 """
 
 import json
@@ -18,8 +17,9 @@ def product_commands(build: pathlib.Path) -> list[dict]:
     own = re.compile(rf" -o ({'|'.join(FOLDERS)})/")
     commands = {}
     for entry in json.loads((build / "compile_commands.json").read_text()):
-        if own.search(entry["command"]):
-            commands.setdefault(entry["file"], entry)
+        if own.search(entry["command"]) and not entry["file"].endswith("cmake_pch.hxx.cxx"):
+            command = re.sub(r" -include \S*/cmake_pch\.hxx\b", "", entry["command"])
+            commands.setdefault(entry["file"], {**entry, "command": command})
     return list(commands.values())
 
 
