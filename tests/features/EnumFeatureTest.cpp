@@ -1,6 +1,7 @@
 // Choices, flags, modes and commands on the register road.
 
 #include "tests/features/FeatureTest.h"
+#include "tests/features/PlainEnum.h"
 
 namespace Orvi::Testing {
 
@@ -14,37 +15,28 @@ struct EnumRow {
     CAM_API_STATUS (*set)(CAM_HANDLE, uint32_t);
 };
 
-#define GETTER(feature, type)                                                                                          \
-    [](CAM_HANDLE hCam, uint32_t *value) {                                                                             \
-        auto typed = static_cast<type>(*value);                                                                        \
-        const CAM_API_STATUS status = GetCam##feature(hCam, &typed);                                                   \
-        *value = typed;                                                                                                \
-        return status;                                                                                                 \
-    }
-#define SETTER(feature, type)                                                                                          \
-    [](CAM_HANDLE hCam, uint32_t value) { return SetCam##feature(hCam, static_cast<type>(value)); }
-#define ROW(feature, type, block, argument, refused)                                                                   \
+#define ROW(feature, block, argument, refused)                                                                         \
     {                                                                                                                  \
-#feature, block, argument, refused, GETTER(feature, type), SETTER(feature, type)                               \
+#feature, block, argument, refused, GetPlain < GetCam##feature>, SetPlain < SetCam##feature>                   \
     }
-
 const EnumRow s_enums[] = {
     // clang-format off
-    ROW(ImageFormatSelector, CAM_IMAGE_FORMAT_SELECTOR_TYPE, 0x202020, "eFormat",             true),
-    ROW(ImageBufferMode,     CAM_IMAGE_BUFFER_MODE_TYPE,     0x203060, "eImageBufferMode",    true),
-    ROW(TestPattern,         CAM_TEST_PATTERN_TYPE,          0x21F120, "eTestPattern",        false),
-    ROW(TriggerSequence,     CAM_TRIGGER_SEQUENCE_TYPE,      0x207040, "eTriggerSequence",    false),
-    ROW(TriggerSource,       CAM_TRIGGER_SOURCE_TYPE,        0x207060, "eTriggerSource",      false),
-    ROW(TimerTriggerSource,  CAM_TIMER_TRIGGER_SOURCE_TYPE,  0x21F260, "eTimerTriggerSource", false),
+    ROW(ImageFormatSelector, 0x202020, "eFormat",             true),
+    ROW(ImageBufferMode,     0x203060, "eImageBufferMode",    true),
+    ROW(TestPattern,         0x21F120, "eTestPattern",        false),
+    ROW(TriggerSequence,     0x207040, "eTriggerSequence",    false),
+    ROW(TriggerSource,       0x207060, "eTriggerSource",      false),
+    ROW(TimerTriggerSource,  0x21F260, "eTimerTriggerSource", false),
     // clang-format on
 };
 const EnumRow s_modes[] = {
     // clang-format off
-    ROW(AcquisitionFrameRateControl, CAM_ACQ_FRAME_RATE_CONTROL_TYPE, 0x2030A0, "eAcquisitionFrameRateControl", false),
-    ROW(ExposureTimeControl,         CAM_EXPOSURE_TIME_CONTROL_TYPE,  0x204020, "eExposureTimeControl",         false),
-    ROW(GainAuto,                    CAM_GAIN_AUTO_TYPE,              0x204060, "eGainAuto",                    false),
+    ROW(AcquisitionFrameRateControl, 0x2030A0, "eAcquisitionFrameRateControl", false),
+    ROW(ExposureTimeControl,         0x204020, "eExposureTimeControl",         false),
+    ROW(GainAuto,                    0x204060, "eGainAuto",                    false),
     // clang-format on
 };
+#undef ROW
 
 class EnumRowTest : public FeatureTest, public ::testing::WithParamInterface<EnumRow> {
   protected:

@@ -10,10 +10,8 @@
 
 namespace Orvi::Testing {
 
-class FeaturePropertyTest : public ::testing::Test {
+class FeaturePropertyTest : public NodeLayerTest {
   protected:
-    FeaturePropertyTest() { layer.Reset(); }
-
     int64_t Pick(int64_t least, int64_t greatest)
     {
         return std::uniform_int_distribution<int64_t>(least, greatest)(random);
@@ -54,7 +52,6 @@ class FeaturePropertyTest : public ::testing::Test {
         return status;
     }
 
-    NodeLayer &layer = NodeLayer::Instance();
     std::mt19937_64 random{20'240'229};
 };
 

@@ -153,12 +153,7 @@ TEST_P(NodeAccessTest, FirstFailureIsTheStatus)
     }
 }
 
-class NodeHelperTest : public ::testing::Test {
-  protected:
-    NodeHelperTest() { layer.Reset(); }
-
-    NodeLayer &layer = NodeLayer::Instance();
-};
+using NodeHelperTest = NodeLayerTest;
 
 TEST_F(NodeHelperTest, IntegersAreCutTo32Bits)
 {

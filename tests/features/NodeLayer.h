@@ -4,6 +4,8 @@
 
 #include "OrviCamApi.h"
 
+#include <gtest/gtest.h>
+
 #include <deque>
 #include <map>
 #include <set>
@@ -57,6 +59,16 @@ class NodeLayer {
   private:
     std::vector<std::string> names_;
     Lines calls_, writes_;
+};
+
+/// The fixture of tests of it.
+class NodeLayerTest : public ::testing::Test {
+  protected:
+    NodeLayerTest() { layer.Reset(); }
+
+    Lines TakeWrites() { return layer.TakeWrites(); }
+
+    NodeLayer &layer = NodeLayer::Instance();
 };
 
 } // namespace Orvi::Testing

@@ -3,18 +3,10 @@
 #include "tests/features/NodeLayer.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace Orvi::Testing {
 
-class NodeRoadTest : public ::testing::Test {
-  protected:
-    NodeRoadTest() { layer.Reset(); }
-
-    Lines TakeWrites() { return layer.TakeWrites(); }
-
-    NodeLayer &layer = NodeLayer::Instance();
-};
+using NodeRoadTest = NodeLayerTest;
 
 struct FloatRow {
     const char *node;
