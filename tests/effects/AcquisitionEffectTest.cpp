@@ -2,6 +2,8 @@
 
 #include "tests/effects/EffectTest.h"
 
+#include <chrono>
+
 namespace Orvi::Testing {
 namespace {
 
@@ -62,6 +64,22 @@ TEST_F(AcquisitionEffectTest, SynchronizedImagesComeWithTheBeat)
     ASSERT_EQ(SetCamAcquisitionFrameRate(hCam, 20), 0u);
     ASSERT_EQ(SetCamFrameSynchronization(hCam, CAM_FRAME_SYNCHRONIZATION_BUS), 0u);
     EXPECT_GE(TimeOfThreeImages(), 50'000'000u) << "not two images for one beat";
+    // All cameras of this computer keep time with its clock.
+    constexpr uint64_t period = 50'000'000;
+    const auto hostTime = [] {
+        return static_cast<uint64_t>(
+            std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count());
+    };
+    for (int round = 0; round < 5; ++round) {
+        RequestChannel channel(hCam, 1);
+        channel.EnqueueAll();
+        const uint64_t started = hostTime();
+        channel.Start();
+        const uint64_t image = channel.Next().info.ullDeviceTimestamp;
+        channel.Stop();
+        const uint64_t deviceTime = DeviceTime();
+        EXPECT_GE(image + hostTime() - deviceTime, (started / period + 1) * period) << "before the next beat";
+    }
     EXPECT_EQ(SetCamFrameSynchronization(hCam, CAM_FRAME_SYNCHRONIZATION_TYPE(2)), CAM_API_STS_INVALID_PARAMETER);
 }
 

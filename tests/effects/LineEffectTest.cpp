@@ -114,6 +114,8 @@ TEST_F(LineEffectTest, LinesFollowTheExposure)
     EXPECT_TRUE(Eventually([&] { return LineStatus() == line2; })) << "between the images";
     SetLine0(true); // the exposure lasts as long as this
     EXPECT_TRUE(Eventually([&] { return LineStatus() == (line0 | line1); }));
+    SetSource(CAM_LINE_SELECTOR_LINE2, CAM_LINE_SOURCE_FRAME_TRIGGER_WAIT);
+    EXPECT_EQ(LineStatus(), line0 | line1) << "no trigger is waited for";
     SetSource(CAM_LINE_SELECTOR_LINE2, CAM_LINE_SOURCE_FRAME_ACTIVE);
     EXPECT_EQ(LineStatus(), line0 | line1 | line2);
     SetLine0(false);

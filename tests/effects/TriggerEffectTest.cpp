@@ -20,6 +20,19 @@ class TriggerEffectTest : public EffectTest {
         EXPECT_EQ(picture.info.ullBlockId, block);
         ExpectPicture(picture);
     }
+    /// The same with a delay behind the trigger.
+    template <class Trigger>
+    void ExpectDelayedImage(RequestChannel &channel, uint64_t block, const Trigger &trigger)
+    {
+        ASSERT_EQ(SetCamTriggerDelay(hCam, 40000), 0u);
+        const uint64_t before = DeviceTime();
+        trigger();
+        const Picture picture = Copy(channel.Next());
+        EXPECT_GE(picture.info.ullDeviceTimestamp, before + 40'000'000);
+        EXPECT_EQ(picture.info.ullBlockId, block);
+        ExpectPicture(picture);
+        ASSERT_EQ(SetCamTriggerDelay(hCam, 0), 0u);
+    }
 };
 
 TEST_F(TriggerEffectTest, SoftwareTriggerBringsOneImage)
@@ -74,14 +87,13 @@ TEST_F(TriggerEffectTest, OtherSourcesDoNotTrigger)
     RequestChannel channel(hCam, 4);
     channel.EnqueueAll();
     channel.Start();
+    // An image of the wrong source would come before that of the delayed one.
     SetLine0(true);
-    ASSERT_EQ(ExecuteCamSoftwareTrigger(hCam), 0u);
-    ExpectImage(channel, 0);
+    ExpectDelayedImage(channel, 0, [&] { ASSERT_EQ(ExecuteCamSoftwareTrigger(hCam), 0u); });
     UseLine0();
     ASSERT_EQ(ExecuteCamSoftwareTrigger(hCam), 0u);
     SetLine0(false);
-    SetLine0(true);
-    ExpectImage(channel, 1);
+    ExpectDelayedImage(channel, 1, [&] { SetLine0(true); });
     channel.Stop();
     for (const auto missing : {CAM_TRIGGER_SOURCE_LINE1, CAM_TRIGGER_SOURCE_LINE2, CAM_TRIGGER_SOURCE_TYPE(127)})
         EXPECT_EQ(SetCamTriggerSource(hCam, missing), CAM_API_STS_NOT_AVAILABLE) << missing;
@@ -92,15 +104,10 @@ TEST_F(TriggerEffectTest, OtherSourcesDoNotTrigger)
 
 TEST_F(TriggerEffectTest, DelayLiesBetweenTriggerAndImage)
 {
-    ASSERT_EQ(SetCamTriggerDelay(hCam, 40000), 0u);
     RequestChannel channel(hCam, 2);
     channel.EnqueueAll();
     channel.Start();
-    const uint64_t before = DeviceTime();
-    ASSERT_EQ(ExecuteCamSoftwareTrigger(hCam), 0u);
-    const Picture picture = Copy(channel.Next());
-    EXPECT_GE(picture.info.ullDeviceTimestamp, before + 40'000'000);
-    ExpectPicture(picture);
+    ExpectDelayedImage(channel, 0, [&] { ASSERT_EQ(ExecuteCamSoftwareTrigger(hCam), 0u); });
     channel.Stop();
     double min = 0, max = 0;
     ASSERT_EQ(GetCamTriggerDelayMinMax(hCam, &min, &max), 0u);
