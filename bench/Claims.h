@@ -7,8 +7,8 @@
 
 namespace Orvi::Bench {
 
-/// The median processor time of a benchmark of this run in its own unit; a counter of it when one is named, "wall"
-/// being the time by the clock. Not a number when the benchmark did not run.
+/// The median processor time of a benchmark of this run in its own unit; a counter of it when one is named. Not a
+/// number when the benchmark did not run.
 double Median(const std::string &benchmark, const std::string &counter = {});
 
 /// A row of the table that is printed at the end.

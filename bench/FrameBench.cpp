@@ -1,7 +1,8 @@
-// What a call through the library costs above the transport's own entry, log down and log up.
+// What a call through the library costs above the transport's own entry.
 
 #include "Claims.h"
 #include "NullCamera.h"
+#include "Turns.h"
 
 #include <benchmark/benchmark.h>
 
@@ -13,30 +14,27 @@ namespace {
 
 using ReadReg = CAM_API_STATUS (*)(CAM_HANDLE, uint64_t, void *, uint32_t *);
 
-void ReadRegDirect(benchmark::State &state)
+void ReadRegByTheLibrary(benchmark::State &state)
 {
     NullCamera camera;
     const auto read = reinterpret_cast<ReadReg>(dlsym(camera.Transport(), "UC_Cam_ReadReg"));
     uint32_t uiWord = 0;
-    for (auto _ : state) {
+    Turns turns(5000);
+    turns.Add([&] {
         uint32_t uiSize = 1;
         benchmark::DoNotOptimize(read(camera.Handle(), 0x204060, &uiWord, &uiSize));
-    }
-}
-BENCHMARK(ReadRegDirect)->Repetitions(9)->ReportAggregatesOnly();
-
-void ReadRegLibrary(benchmark::State &state)
-{
-    NullCamera camera;
-    uint32_t uiWord = 0;
+    });
+    turns.Add([&] { benchmark::DoNotOptimize(Cam_ReadReg(camera.Handle(), 0x204060, 1, &uiWord)); });
     for (auto _ : state)
-        benchmark::DoNotOptimize(Cam_ReadReg(camera.Handle(), 0x204060, 1, &uiWord));
+        turns.Round();
+    state.counters["entry"] = turns.MedianTime(0);
+    state.counters["library"] = turns.MedianTime(1);
+    state.counters["above"] = turns.Median([](const Turns::Times &times) { return times[1] - times[0]; });
 }
-BENCHMARK(ReadRegLibrary)->Repetitions(9)->ReportAggregatesOnly();
+BENCHMARK(ReadRegByTheLibrary)->Iterations(1000)->Repetitions(7)->ReportAggregatesOnly();
 
-const bool s_overhead =
-    Add({"Cam_ReadReg with the log down, above the transport's entry",
-         [] { return Median("ReadRegLibrary") - Median("ReadRegDirect"); }, " ns", Claim::Is::AtMost, 8});
+const bool s_overhead = Add({"`Cam_ReadReg` with the log down, above the transport's entry",
+                             [] { return Median("ReadRegByTheLibrary", "above"); }, " ns", Claim::Is::AtMost, 8});
 
 } // namespace
 
