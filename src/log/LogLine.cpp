@@ -10,63 +10,54 @@ namespace Orvi {
 
 namespace {
 
+/// What stands between the time and the thread.
+struct Origin {
+    char text[sizeof ",API INFO ,ThreadId:0x"];
+};
+
 // clang-format off
-constexpr char s_levelWords[][6] = {
-    {'D', 'E', 'B', 'U', 'G', ','},
-    {'I', 'N', 'F', 'O', ' ', ','},
-    {'W', 'A', 'R', 'N', ' ', ','},
-    {'E', 'R', 'R', 'O', 'R', ','},
-    {'F', 'A', 'T', 'A', 'L', ','},
+constexpr Origin s_origins[][2] = {
+    {{",API DEBUG,ThreadId:0x"}, {",APL DEBUG,ThreadId:0x"}},
+    {{",API INFO ,ThreadId:0x"}, {",APL INFO ,ThreadId:0x"}},
+    {{",API WARN ,ThreadId:0x"}, {",APL WARN ,ThreadId:0x"}},
+    {{",API ERROR,ThreadId:0x"}, {",APL ERROR,ThreadId:0x"}},
+    {{",API FATAL,ThreadId:0x"}, {",APL FATAL,ThreadId:0x"}},
 };
 // clang-format on
 
-/// Copies a literal without its NUL; the address behind it.
-template <std::size_t size>
-char *Put(char *to, const char (&text)[size])
-{
-    std::memcpy(to, text, size - 1);
-    return to + size - 1;
-}
-
 /// What "%.06f" gives, ending at end: backwards and in place, as formatting it elsewhere and copying it would cost more
 /// than the rest of the line. Returns where it begins.
-char *WriteSecondsBefore(char *end, int64_t elapsed)
+char *WriteSecondsBefore(char *end, LogTime time)
 {
-    constexpr int64_t second = 1000000;
-    if (elapsed < 0 || elapsed / second > INT32_MAX) { // the clock was set
-        char seconds[24];
-        const int size = std::snprintf(seconds, sizeof seconds, "%.06f", static_cast<double>(elapsed) / 1e6);
-        return static_cast<char *>(std::memcpy(end - size, seconds, static_cast<std::size_t>(size)));
+    if (time.seconds < 0 || time.seconds > UINT32_MAX) [[unlikely]] { // the clock was set
+        char text[maxSeconds + 1];
+        const double seconds = static_cast<double>(time.seconds) + static_cast<double>(time.microseconds) / 1e6;
+        const int size = std::snprintf(text, sizeof text, "%.06f", seconds);
+        return static_cast<char *>(std::memcpy(end - size, text, static_cast<std::size_t>(size)));
     }
-    char *begin = end - 6;
-    WriteSixDigits(begin, static_cast<uint32_t>(elapsed % second));
-    *--begin = '.';
-    auto seconds = static_cast<uint32_t>(elapsed / second);
-    do {
-        *--begin = static_cast<char>('0' + seconds % 10);
-        seconds /= 10;
-    } while (seconds != 0);
-    return begin;
+    WriteSixDigits(end - 6, static_cast<uint32_t>(time.microseconds));
+    end[-7] = '.';
+    return WriteDecimalBefore(end - 7, static_cast<uint32_t>(time.seconds));
 }
 
 } // namespace
 
-std::string_view LogLine::Finish(int64_t elapsed, LogOrigin origin, uint32_t uiLevel, const char *status)
+std::string_view LogLine::Finish(LogTime time, LogOrigin origin, uint32_t uiLevel, const char *status)
 {
+    char *const text = bytes_ + maxHead;
+    char *end = end_;
     if (status != nullptr)
         for (const std::string_view part : {std::string_view("("), std::string_view(status), std::string_view(")")})
-            Append(part);
-    end_ = std::min(end_, text_ + maxTextInFile);
-    *end_++ = '\n';
+            end = Append(end, part);
+    end = std::min(end, text + maxTextInFile);
+    *end++ = '\n';
 
-    char *const afterSeconds = text_ - afterSecondsSize;
-    char *const begin = WriteSecondsBefore(afterSeconds, elapsed);
-    char *end = Put(afterSeconds, origin == LogOrigin::Api ? ",API " : ",APL ");
-    std::memcpy(end, s_levelWords[uiLevel], sizeof s_levelWords[uiLevel]);
-    end = Put(end + sizeof s_levelWords[uiLevel], "ThreadId:0x");
-    WriteHex8(end, static_cast<uint32_t>(pthread_self()), HexCase::Lower);
-    Put(end + 8, ",");
-    return {begin, static_cast<std::size_t>(end_ - begin)};
+    char *const afterSeconds = text - afterSecondsSize;
+    const Origin &from = s_origins[uiLevel][origin == LogOrigin::Api ? 0 : 1];
+    char *const thread = CopyBytes(afterSeconds, from.text, sizeof from.text - 1);
+    *WriteHex8(thread, static_cast<uint32_t>(pthread_self()), HexCase::Lower) = ',';
+    char *const begin = WriteSecondsBefore(afterSeconds, time);
+    return {begin, static_cast<std::size_t>(end - begin)};
 }
 
 } // namespace Orvi

@@ -4,12 +4,10 @@
 #include "foundation/Version.h"
 #include "log/LogStorage.h"
 
-#include <cstring>
 #include <ctime>
-#include <string>
+#include <string_view>
 
 #include <pthread.h>
-#include <sys/stat.h>
 #include <sys/time.h>
 
 namespace Orvi {
@@ -44,11 +42,17 @@ void Start(LogType type, uint32_t uiLevel)
     g_bUniLogInit = true;
 }
 
-int64_t ElapsedMicroseconds()
+LogTime Elapsed()
 {
     timeval now;
     gettimeofday(&now, nullptr);
-    return (now.tv_sec - s_nStart.tv_sec) * 1000000 + (now.tv_usec - s_nStart.tv_usec);
+    LogTime elapsed = {now.tv_sec - s_nStart.tv_sec,
+                       static_cast<int32_t>(now.tv_usec) - static_cast<int32_t>(s_nStart.tv_usec)};
+    if (elapsed.microseconds < 0) {
+        elapsed.microseconds += 1000000;
+        --elapsed.seconds;
+    }
+    return elapsed;
 }
 
 /// Appends bytes to the log. The two failures leave the lock held: from then on the log is frozen, and whoever writes
@@ -79,18 +83,12 @@ int32_t WriteLine(uint32_t uiLevel, LogOrigin origin, LogLine &line, const char 
         return 0;
     if (uiLevel > CAM_LOG_LEVEL_FATAL)
         return s_iBadLevel;
-    return Store(line.Finish(ElapsedMicroseconds(), origin, uiLevel, status), std::string_view::npos);
+    return Store(line.Finish(Elapsed(), origin, uiLevel, status), std::string_view::npos);
 }
 
 std::string_view View(const char *pszText) { return pszText != nullptr ? pszText : std::string_view(); }
 
 bool HasRing() { return s_logType == LOG_TYPE_MEMORY && s_logRing.IsAllocated(); }
-
-bool DirectoryExists(const char *pszPath)
-{
-    struct stat facts;
-    return stat(pszPath, &facts) == 0;
-}
 
 } // namespace
 
@@ -128,19 +126,6 @@ int32_t _Uni_WriteLog2(uint32_t uiLevel, const char *pszText)
 }
 
 uint32_t Uni_GetLogLevel() { return s_logLevel; }
-
-int32_t CheckAndMakeDirectory(const char *pszPath)
-{
-    if (pszPath == nullptr)
-        return 0;
-    const std::string_view path(pszPath, strnlen(pszPath, s_maxPath));
-    std::size_t end = path.find_last_of("/\\");
-    if (end == std::string_view::npos)
-        return 1; // a bare file name: the current folder
-    // For a file in the root folder this leaves an empty name, which cannot be made: such a log is refused.
-    const std::string directory(path.substr(0, end));
-    return DirectoryExists(directory.c_str()) || mkdir(directory.c_str(), 0777) == 0 ? 1 : 0;
-}
 
 } // namespace Orvi
 

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 namespace Orvi {
 
@@ -58,7 +59,7 @@ inline constexpr LogConversion s_logConversions[] = {
     {"llx", LogArgument::Kind::Wide}, {"s", LogArgument::Kind::Text},   {"15.9f", LogArgument::Kind::Real},
 };
 
-/// A literal and the conversion behind it. Small: a format travels in registers.
+/// A literal and the conversion behind it.
 struct LogPiece {
     uint8_t literal = 0;    ///< bytes before the percent sign
     uint8_t skipped = 0;    ///< bytes of the conversion
@@ -69,7 +70,7 @@ struct LogPiece {
 template <class... Arguments>
 struct LogFormat {
     template <std::size_t size>
-    consteval LogFormat(const char (&format)[size]) : text(format), pieces{}
+    consteval LogFormat(const char (&format)[size]) : text(format), maxSize(0), pieces{}
     {
         static_assert(size < 256);
         constexpr LogArgument::Kind kinds[] = {LogArgument::KindOf<Arguments>()..., LogArgument::Kind::Word};
@@ -93,9 +94,14 @@ struct LogFormat {
         if (rest.find('%') != std::string_view::npos)
             throw "a conversion without an argument";
         pieces[sizeof...(Arguments)].literal = static_cast<uint8_t>(rest.size());
+        maxSize = size + sizeof...(Arguments) * maxDigits;
+        for (const LogArgument::Kind kind : kinds)
+            if (kind == LogArgument::Kind::Text || kind == LogArgument::Kind::Real)
+                maxSize = SIZE_MAX;
     }
 
     const char *text;
+    std::size_t maxSize; ///< that it can give; unlimited unless all arguments are integers
     LogPiece pieces[sizeof...(Arguments) + 1];
 };
 
@@ -103,23 +109,47 @@ struct LogFormat {
 class LogWriter : public LogLine {
   public:
     template <class... Arguments>
-    void Format(LogFormat<std::type_identity_t<Arguments>...> format, const Arguments &...arguments)
+    [[gnu::always_inline]] void Format(LogFormat<std::type_identity_t<Arguments>...> format,
+                                       const Arguments &...arguments)
     {
         const LogArgument list[] = {LogArgument(arguments)..., LogArgument(0)};
-        AppendPieces(format.text, format.pieces, sizeof...(Arguments), list);
+        // Mostly nothing can be cut. The compiler knows all literals here and makes a few stores of them.
+        if (format.maxSize <= Room()) [[likely]]
+            SetEnd(AppendAll(End(), format, list, std::index_sequence_for<Arguments...>()));
+        else
+            AppendPieces(format.text, format.pieces, sizeof...(Arguments), list);
     }
 
     /// Adds ", " and the text.
     template <class... Arguments>
-    void operator()(LogFormat<std::type_identity_t<Arguments>...> format, const Arguments &...arguments)
+    [[gnu::always_inline]] void operator()(LogFormat<std::type_identity_t<Arguments>...> format,
+                                           const Arguments &...arguments)
     {
         Append(", ");
         Format<Arguments...>(format, arguments...);
     }
 
   private:
+    template <class Format, std::size_t... indices>
+    [[gnu::always_inline]] static char *AppendAll(char *end, const Format &format, const LogArgument *arguments,
+                                                  std::index_sequence<indices...>)
+    {
+        const char *text = format.text;
+        const auto appendLiteral = [&](const LogPiece &piece) {
+            std::memcpy(end, text, piece.literal);
+            end += piece.literal;
+            text += piece.literal + piece.skipped;
+        };
+        ((appendLiteral(format.pieces[indices]),
+          end = WriteNumber(end, format.pieces[indices].conversion, arguments[indices].number)),
+         ...);
+        appendLiteral(format.pieces[sizeof...(indices)]);
+        return end;
+    }
+
+    static char *WriteNumber(char *to, char conversion, uint64_t number);
+    char *AppendArgument(char *end, char conversion, const LogArgument &argument);
     void AppendPieces(const char *text, const LogPiece *pieces, std::size_t count, const LogArgument *arguments);
-    void AppendArgument(char conversion, const LogArgument &argument);
 };
 
 /// The text after a function's name, as something that is only written when the log is up.

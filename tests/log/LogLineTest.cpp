@@ -45,6 +45,41 @@ TEST_F(LogLineTest, StampIsTheElapsedTimeInMicroseconds)
     }
 }
 
+TEST_F(LogLineTest, StampFollowsTheClockFromLineToLine)
+{
+    // clang-format off
+    constexpr StampRow rows[] = {
+        {{}, {1000, 999999},       "0.499999"},
+        {{}, {1001, 0},            "0.500000"},
+        {{}, {1001, 499999},       "0.999999"},
+        {{}, {1001, 500000},       "1.000000"},
+        {{}, {1010, 499999},       "9.999999"},
+        {{}, {1010, 500000},       "10.000000"},
+        {{}, {1060, 499999},       "59.999999"},
+        {{}, {1060, 500000},       "60.000000"},
+        {{}, {1100, 499999},       "99.999999"},
+        {{}, {1100, 500000},       "100.000000"},
+        {{}, {4600, 500000},       "3600.000000"},
+        // The clock was set: back a little, to before the start, far ahead, and right again.
+        {{}, {1060, 500001},       "60.000001"},
+        {{}, {1000, 499999},       "-0.000001"},
+        {{}, {999, 500000},        "-1.000000"},
+        {{}, {4294968295, 500001}, "4294967295.000001"},
+        {{}, {4294968296, 750000}, "4294967296.250000"},
+        {{}, {1100, 750000},       "100.250000"},
+    };
+    // clang-format on
+    SetClock(1000, 500000);
+    ASSERT_EQ(Log_InitializeMem(10000, 0), 0u);
+    std::string expected;
+    for (const StampRow &row : rows) {
+        SetClock(row.now.tv_sec, row.now.tv_usec);
+        EXPECT_EQ(Log_Write(1, "text"), 0);
+        expected += Line(row.stamp, "APL", "INFO ,", "text");
+    }
+    EXPECT_EQ(RingBytes(), expected);
+}
+
 TEST_F(LogLineTest, FileAndRingHoldTheSameBytes)
 {
     const auto write = [&] {
