@@ -133,6 +133,8 @@ void StreamEngine::Close()
         wake_.notify_all();
     }
     thread_.join();
+    while (waking_ != 0)
+        std::this_thread::yield();
     camera_->Detach(Pipe::Stream, *this);
 }
 

@@ -91,6 +91,7 @@ class StreamEngine final : private BulkIn::Listener, private Camera::Channel {
 
     std::mutex mutex_;
     std::condition_variable wake_; // for the thread
+    std::atomic<int> waking_ = 0;  // threads that notify wake_ without the lock
     std::condition_variable idle_; // for those who wait for the thread
     RequestList waiting_;
     std::vector<std::unique_ptr<StreamFrame>> frames_;

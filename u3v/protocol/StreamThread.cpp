@@ -21,16 +21,22 @@ std::uint64_t HostTime()
 
 void StreamEngine::OnDone(BulkIn &transfer) noexcept
 {
-    std::lock_guard lock(mutex_);
-    StreamFrame &frame = *frames_[StreamFrame::IndexOf(transfer)];
-    bytesInFlight_ -= transfer.Buffer().size();
-    if (transfer.Status() == TransferStatus::NoMemory) {
-        isRefused_ = true;
-        return;
+    {
+        std::lock_guard lock(mutex_);
+        StreamFrame &frame = *frames_[StreamFrame::IndexOf(transfer)];
+        bytesInFlight_ -= transfer.Buffer().size();
+        if (transfer.Status() == TransferStatus::NoMemory) {
+            isRefused_ = true;
+            return;
+        }
+        frame.CountReturned(transfer, HostTime());
+        if (!frame.IsReturned() && !frame.IsBroken() && FrameAt(underWay_ - 1).IsFullyPosted())
+            return;
+        ++waking_;
     }
-    frame.CountReturned(transfer, HostTime());
-    if (frame.IsReturned() || frame.IsBroken() || !FrameAt(underWay_ - 1).IsFullyPosted())
-        wake_.notify_one();
+    // Without the lock, or the thread would wake only to wait for it.
+    wake_.notify_one();
+    --waking_; // the last: from here on the engine may be gone
 }
 
 void StreamEngine::Run()
