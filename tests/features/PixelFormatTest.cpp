@@ -169,6 +169,15 @@ TEST_F(PixelFormatTest, ChecksInOrder)
     EXPECT_EQ(TakeFrame().back(), ExitLine(1, "SetCamPixelFormat"));
 }
 
+TEST_F(PixelFormatTest, LetsNoExceptionThrough)
+{
+    stub.on.Cam_ReadReg = [](auto...) -> CAM_API_STATUS { throw 42; }; // NOLINT: no std::exception either
+    stub.on.Nd_GetNode = [](auto...) -> CAM_API_STATUS { throw 42; };  // NOLINT
+    EXPECT_EQ(Get(0xFFFFFFFF), 0u);
+    EXPECT_EQ(Set(0x01080001), 0xFFFFFFFFu);
+    EXPECT_EQ(TakeFrame().back(), ExitLine(0xFFFFFFFF, "SetCamPixelFormat"));
+}
+
 TEST_F(PixelFormatTest, StreamingRefuses)
 {
     SetStreaming(true);
