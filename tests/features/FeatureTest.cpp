@@ -47,4 +47,9 @@ Lines FeatureTest::TakeFrame()
     return lines.empty() ? Lines{} : Lines{lines.front(), lines.back()};
 }
 
+void FeatureTest::ExpectExit(const std::string &text, CAM_API_STATUS status)
+{
+    EXPECT_EQ(TakeFrame().back(), ExitLine(status, text));
+}
+
 } // namespace Orvi::Testing

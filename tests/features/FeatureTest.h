@@ -47,6 +47,8 @@ class FeatureTest : public ApiTest {
 
     /// First and last line of the log since the last time.
     Lines TakeFrame();
+    /// Whether the log's last line tells the end of a function so.
+    void ExpectExit(const std::string &text, CAM_API_STATUS status = 0);
 };
 
 /// An access as TakeAccesses() shows it.
