@@ -100,7 +100,9 @@ TEST_F(UserSetEffectTest, DefaultSetIsLoadedAtPowerUp)
 TEST_F(UserSetEffectTest, LateCommandIsWaitedFor)
 {
     WriteWord(hCam, Virtual::commandDelay, 200);
+    const uint64_t before = DeviceTime();
     ASSERT_EQ(ExecuteCamUserSetSave(hCam, set1), 0u);
+    EXPECT_GE(DeviceTime() - before, 200'000'000u);
     EXPECT_TRUE(BoolNode("UserSetDone"));
 }
 

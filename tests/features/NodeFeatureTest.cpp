@@ -4,6 +4,7 @@
 #include "tests/features/PlainEnum.h"
 
 namespace Orvi::Testing {
+namespace {
 
 using NodeFeatureTest = FeatureTest;
 
@@ -166,4 +167,5 @@ TEST_F(NodeFeatureTest, SymbolsAreWrittenUnderTheFeaturesOwnName)
                 ::testing::Contains(EnterLine("Nd_SetEnumStrValue2, hCam=0x11, hNode=0x600000, pszBuf=Bus")));
 }
 
+} // namespace
 } // namespace Orvi::Testing
