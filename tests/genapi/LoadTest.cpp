@@ -355,6 +355,14 @@ TEST(Load, KeepsExtensionsOutOfTheWay)
     EXPECT_THAT(map->Notes(), testing::IsEmpty());
 }
 
+TEST(Load, BoundsTheNamesOfAFormula)
+{
+    std::string names;
+    for (int i = 0; i <= 1000; ++i)
+        names += Say("<Constant Name=\"C", std::to_string(i), "\">1</Constant>");
+    EXPECT_EQ(LoadError(Knife(names + "<Formula>1</Formula>")), "[K] line 3: Constant, a formula can have 1000 names");
+}
+
 TEST(Load, NotesAreBounded)
 {
     std::string strange;

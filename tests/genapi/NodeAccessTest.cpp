@@ -46,6 +46,9 @@ TEST(Access, CombinesTheWholeChain)
         Reg("IntReg", "AtNode", 0, "<pAddress>NotAvailable</pAddress>") +
         Reg("IntReg", "AtIndex", 0, "<pIndex Offset=\"4\">NotAvailable</pIndex>") +
         Reg("IntReg", "AtOffset", 0, "<pIndex pOffset=\"NotAvailable\">Yes</pIndex>") +
+        "<SwissKnife Name=\"OfLimits\"><pVariable Name=\"A.Max\">NotAvailable</pVariable><Formula>A.Max</Formula>"
+        "</SwissKnife><Converter Name=\"Unknown\"><pVariable Name=\"A\">NotAvailable</pVariable>"
+        "<FormulaTo>FROM + A</FormulaTo><FormulaFrom>TO - A</FormulaFrom><pValue>Rw</pValue></Converter>"
         "<Port Name=\"Closed\"><pIsAvailable>No</pIsAvailable></Port>"
         "<IntReg Name=\"AtPort\"><Address>0</Address><Length>4</Length><pPort>Closed</pPort></IntReg>");
     const struct {
@@ -62,6 +65,7 @@ TEST(Access, CombinesTheWholeChain)
         {"OverMissing", AccessMode::NotImplemented}, {"Bool", AccessMode::ReadOnly},
         {"Cmd", AccessMode::WriteOnly},         {"Conv", AccessMode::ReadOnly},
         {"Knife", AccessMode::NotAvailable},    {"Yes", AccessMode::ReadWrite},
+        {"OfLimits", AccessMode::ReadOnly},     {"Unknown", AccessMode::NotAvailable},
         {"ImposedNa", AccessMode::NotAvailable}, {"ImposedNi", AccessMode::NotImplemented},
         {"MissingNa", AccessMode::NotImplemented}, {"Chosen", AccessMode::NotAvailable},
         {"AtNode", AccessMode::NotAvailable},   {"AtIndex", AccessMode::NotAvailable},

@@ -363,6 +363,26 @@ TEST(Converter, TurnsTheLimitsOver)
     EXPECT_THAT(ErrorOf([&] { map.SetFloat("Open", 0.001); }), HasSubstr("[Open] cannot take 0.001"));
 }
 
+TEST(Converter, HasNoLimitsOrStepsThatItCannotKnow)
+{
+    TestMap map(
+        Reg("IntReg", "Raw", 0, "", 1) +
+        "<Converter Name=\"Varying\"><FormulaTo>FROM</FormulaTo><FormulaFrom>TO</FormulaFrom><pValue>Raw</pValue>"
+        "<Slope>Varying</Slope></Converter>"
+        "<Converter Name=\"Open\"><FormulaTo>1000 / FROM</FormulaTo><FormulaFrom>1000 / TO</FormulaFrom>"
+        "<pValue>Raw</pValue></Converter>"
+        "<Converter Name=\"Flat\"><IsLinear>Yes</IsLinear><FormulaTo>FROM</FormulaTo><FormulaFrom>TO * 0</FormulaFrom>"
+        "<pValue>Raw</pValue></Converter>");
+    constexpr double most = std::numeric_limits<double>::max();
+    for (const char *name : {"Varying", "Open"}) {
+        EXPECT_EQ(map->FloatMin(map[name]), -most) << name;
+        EXPECT_EQ(map->FloatMax(map[name]), most) << name;
+    }
+    map.SetFloat("Open", 10);
+    EXPECT_EQ(map.port.Get<std::uint8_t>(0), 100);
+    EXPECT_EQ(map->FloatInc(map["Flat"]), std::nullopt);
+}
+
 TEST(Converter, NamesTheFormulaThatHasNoResult)
 {
     TestMap map(Reg("IntReg", "Raw", 0) +
@@ -442,14 +462,18 @@ TEST(SwissKnife, UsesVariablesConstantsExpressionsAndAttributes)
 
 TEST(SwissKnife, KeepsAll64BitsOfItsIntegers)
 {
-    TestMap map(
-        Reg("IntReg", "Time", 0, "", 8) +
-        "<SwissKnife Name=\"Seconds\"><pVariable Name=\"T\">Time</pVariable><Formula>(T &amp; 0xFF) / 2</Formula>"
-        "</SwissKnife><SwissKnife Name=\"Same\"><pVariable Name=\"T\">Time</pVariable>"
-        "<Formula>T = 0x7000000000000003 ? T.Inc : T.Max</Formula></SwissKnife>");
+    TestMap map(Reg("IntReg", "Time", 0, "", 8) +
+                "<SwissKnife Name=\"Seconds\"><pVariable Name=\"T\">Time</pVariable>"
+                "<Formula>(T &amp; 0xFF) / 2</Formula></SwissKnife>"
+                "<SwissKnife Name=\"Same\"><pVariable Name=\"T\">Time</pVariable>"
+                "<Formula>T = 0x7000000000000003 ? T.Inc : T.Max</Formula></SwissKnife>"
+                "<SwissKnife Name=\"Masked\"><pVariable Name=\"T\">Time</pVariable>"
+                "<Constant Name=\"M\">0x0FFFFFFFFFFFFFFF</Constant><Constant Name=\"K\">20000000000000000000</Constant>"
+                "<Formula>(T &amp; M) + K / 1e19</Formula></SwissKnife>");
     map.port.Put<std::uint64_t>(0, 0x7000000000000003);
     EXPECT_EQ(map.Float("Seconds"), 1.5) << "a double would have lost the last bits";
     EXPECT_EQ(map.Float("Same"), 1);
+    EXPECT_EQ(map.Float("Masked"), 5);
 }
 
 constexpr const char *mode = "<Enumeration Name=\"Mode\"><EnumEntry Name=\"Off\"><Value>0</Value></EnumEntry>"

@@ -43,7 +43,7 @@ bool SwissKnifeNode<T>::Take(const Property &property)
         formula_ = Formula(property.Kept());
         return true;
     }
-    return property.prop == Prop::Input || part_.Take(property, arithmeticOf<T>) || NumberNode<T>::Take(property);
+    return property.prop == Prop::Input || part_.Take(property) || NumberNode<T>::Take(property);
 }
 
 template <class T>
@@ -89,7 +89,7 @@ bool ConverterNode<T>::Take(const Property &property)
     case Prop::Slope:       slope_ = property.OneOf<Slope>(slopeNames); return true;
     case Prop::IsLinear:    linear_ = property.YesNo(); return true;
     case Prop::Input:       return true;
-    default:                return part_.Take(property, arithmeticOf<T>) || NumberNode<T>::Take(property);
+    default:                return part_.Take(property) || NumberNode<T>::Take(property);
         // clang-format on
     }
 }

@@ -104,7 +104,7 @@ class FormulaPart::Values final : public FormulaVariables {
     Cell argument_;
 };
 
-bool FormulaPart::Take(const Property &property, Arithmetic arithmetic)
+bool FormulaPart::Take(const Property &property)
 {
     const auto checkedName = [&] {
         const std::string_view name = property.KeptAttribute("Name");
@@ -131,8 +131,8 @@ bool FormulaPart::Take(const Property &property, Arithmetic arithmetic)
     }
     case Prop::Constant: {
         const std::string_view name = checkedName();
-        if (arithmetic == Arithmetic::Integer && property.IsInt())
-            constants_.push_back({name, {FormulaName::Kind::Integer, 0, {.i = property.Int()}}});
+        if (const auto integer = ReadInt(property.Text()))
+            constants_.push_back({name, {FormulaName::Kind::Integer, 0, {.i = *integer}}});
         else
             constants_.push_back({name, {FormulaName::Kind::Float, 0, {.f = property.Number<double>()}}});
         return true;

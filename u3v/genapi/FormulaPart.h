@@ -38,7 +38,7 @@ class FormulaPart {
         bool isInteger = node->Type() != NodeType::Float && node->Type() != NodeType::EnumEntry;
     };
 
-    bool Take(const Property &property, Arithmetic arithmetic);
+    bool Take(const Property &property);
     /// @p argument names the one value that comes with each run ("FROM", "TO"); empty when there is none.
     Formula Compile(std::string_view text, Arithmetic arithmetic, std::string_view argument);
     /// All formulas are compiled: what was needed for that alone is given back.

@@ -133,16 +133,13 @@ void Node::RequireWritable(const Run &run)
         Fail(run, Say("cannot be written, it ", DescribeAccess(check)));
 }
 
-void Node::CheckError(Run &run)
+void Node::FailIfSet(Run &run, Node &error) const
 {
-    Node *const error = More().error;
-    if (error == nullptr)
-        return;
     Run fresh{run.map, run.subject, false, true};
-    if (const std::int64_t code = error->GetInt(fresh); code != 0) {
-        const bool named = error->Type() == NodeType::Enumeration;
+    if (const std::int64_t code = error.GetInt(fresh); code != 0) {
+        const bool named = error.Type() == NodeType::Enumeration;
         Fail(run,
-             Say("was refused by the camera, ", error->Name(), " is ", (named ? error->GetText(fresh) : Text(code))));
+             Say("was refused by the camera, ", error.Name(), " is ", (named ? error.GetText(fresh) : Text(code))));
     }
 }
 

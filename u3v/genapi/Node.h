@@ -146,7 +146,11 @@ class Node {
     [[noreturn]] void FailKind(const Run &run, std::string_view wanted) const;
 
     /// After a write: the camera's own verdict, where the description has one.
-    void CheckError(Run &run);
+    void CheckError(Run &run)
+    {
+        if (Node *const error = More().error)
+            FailIfSet(run, *error);
+    }
 
   protected:
     /// What the value's own way allows: the node's target, register, formula.
@@ -159,6 +163,7 @@ class Node {
     static const FeatureAttributes noMore;
     FeatureAttributes &AddMore();
     AccessMode AccessUnderConditions(Run &run);
+    void FailIfSet(Run &run, Node &error) const;
     Node *Condition(const Property &property);
 
     Attributes said_;

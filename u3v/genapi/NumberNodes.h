@@ -171,6 +171,8 @@ class ValueNode final : public NumberNode<T> {
     bool TakeRare(const Property &property);
     bool HasValidSet() const { return rare_ && (rare_->validSet || !rare_->valid.empty()); }
     std::vector<T> ValidValues(Run &run);
+    Limits<T> LimitsOfSet(Run &run, Limits<T> limits);
+    void SetCopies(Run &run, T value);
     void CheckValid(Run &run, T value);
     Source<T> &Current(Run &run) { return rare_ && rare_->index ? Chosen(run) : value_; }
     Source<T> &Chosen(Run &run);

@@ -36,12 +36,6 @@ std::string_view Property::Kept() const { return loader_.Keep(Text()); }
 
 std::string_view Property::KeptAttribute(const char *name) const { return loader_.Keep(Attribute(name)); }
 
-bool Property::IsInt() const
-{
-    const std::string_view text = Text();
-    return text.find_first_of("xX") != text.npos || text.find_first_of(".eE") == text.npos;
-}
-
 std::int64_t Property::ParseInt(std::string_view text) const
 {
     if (const auto value = ReadInt(text))

@@ -51,7 +51,6 @@ class Property {
     std::string_view Kept() const;
     std::string_view KeptAttribute(const char *name) const;
     std::int64_t Int() const { return ParseInt(Text()); }
-    bool IsInt() const;        ///< a number without fraction and exponent
     std::uint64_t Hex() const; ///< with or without 0x
     std::int64_t IntAttribute(const char *name) const { return ParseInt(Attribute(name)); }
     bool YesNo() const;

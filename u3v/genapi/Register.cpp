@@ -89,17 +89,20 @@ RegisterNode::Moving &RegisterNode::AddMoving()
     return *moving_;
 }
 
+bool RegisterNode::IsAddressKnown(Run &run) const
+{
+    run.map.Step(run, AsNode());
+    const auto isReadable = [&](Node *node) { return node == nullptr || IsReadable(node->Access(run)); };
+    return std::ranges::all_of(moving_->addresses, isReadable) &&
+           std::ranges::all_of(moving_->offsets, [&](const Offset &offset) {
+               return isReadable(offset.index) && isReadable(offset.factorNode);
+           });
+}
+
 AccessMode RegisterNode::RegisterAccess(Run &run)
 {
-    if (moving_) {
-        for (Node *node : moving_->addresses)
-            if (!IsReadable(node->Access(run)))
-                return AccessMode::NotAvailable;
-        for (const Offset &offset : moving_->offsets)
-            if (!IsReadable(offset.index->Access(run)) ||
-                (offset.factorNode && !IsReadable(offset.factorNode->Access(run))))
-                return AccessMode::NotAvailable;
-    }
+    if (moving_ && !IsAddressKnown(run))
+        return AccessMode::NotAvailable;
     return port_ && !port_->IsAlwaysOpen() ? Combine(accessMode_, port_->Access(run)) : accessMode_;
 }
 
@@ -119,7 +122,7 @@ std::uint64_t RegisterNode::MovingAddress(Run &run)
 std::size_t RegisterNode::LengthNow(Run &run)
 {
     const std::int64_t length = lengthNode_ ? lengthNode_->GetInt(run) : length_;
-    if (length < 0 || static_cast<std::uint64_t>(length) > maxLength)
+    if (static_cast<std::uint64_t>(length) > maxLength) // a negative one, too
         AsNode().Fail(run, Say("has a length of ", Text(length), " bytes, ", std::to_string(maxLength), " can be"));
     return static_cast<std::size_t>(length);
 }

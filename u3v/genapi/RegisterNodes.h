@@ -68,10 +68,14 @@ class RegisterNode {
     }
     Moving &AddMoving();
     std::uint64_t MovingAddress(Run &run);
+    bool IsAddressKnown(Run &run) const;
     bool IsExpired(const Run &run, std::uint64_t address) const;
     void ReadPort(Run &run, std::uint64_t address, std::span<std::byte> data);
+    void CompareWithPort(Run &run, std::uint64_t address, std::span<const std::byte> data,
+                         std::span<const std::byte> mask);
     bool HasChanged(MapState &map, std::uint64_t address, std::span<const std::byte> data) const;
     void Remember(MapState &map, std::uint64_t address, std::span<const std::byte> data);
+    void RememberPlace(MapState &map, std::uint64_t address, std::span<const std::byte> data);
     void Forget(MapState &map, std::uint64_t address, std::size_t length);
 
     std::uint64_t address_ = 0;

@@ -103,8 +103,12 @@ void RegisterNode::Remember(MapState &map, std::uint64_t address, std::span<cons
         page_->Store(address % RegisterCache::Page::size, data);
     else
         map.cache.Store(address, data);
-    if (!moving_)
-        return;
+    if (moving_)
+        RememberPlace(map, address, data);
+}
+
+void RegisterNode::RememberPlace(MapState &map, std::uint64_t address, std::span<const std::byte> data)
+{
     moving_->last = address;
     std::vector<std::uint64_t> &used = moving_->used;
     if (std::ranges::find(used, address) != used.end())
@@ -140,8 +144,13 @@ void RegisterNode::Write(Run &run, std::span<const std::byte> data, std::span<co
     else
         Forget(run.map, address, data.size());
     run.map.Changed(AsNode());
-    if (!run.verify || accessMode_ != AccessMode::ReadWrite)
-        return;
+    if (run.verify && accessMode_ == AccessMode::ReadWrite)
+        CompareWithPort(run, address, data, mask);
+}
+
+void RegisterNode::CompareWithPort(Run &run, std::uint64_t address, std::span<const std::byte> data,
+                                   std::span<const std::byte> mask)
+{
     std::vector<std::byte> back(data.size());
     ReadPort(run, address, back);
     for (std::size_t i = 0; i < data.size(); ++i)

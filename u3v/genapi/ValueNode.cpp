@@ -136,8 +136,13 @@ void ValueNode<T>::SetValue(Run &run, T value)
         source.constant = value;
         run.map.Changed(*this);
     }
-    if (!rare_)
-        return;
+    if (rare_)
+        SetCopies(run, value);
+}
+
+template <class T>
+void ValueNode<T>::SetCopies(Run &run, T value)
+{
     for (Node *copy : rare_->copies) {
         run.map.Step(run, *this);
         SetNumber<T>(*copy, run, value);
@@ -155,8 +160,12 @@ Limits<T> ValueNode<T>::ValueLimits(Run &run)
         limits.min = min_.Get(run);
     if (max_.given)
         limits.max = max_.Get(run);
-    if (!HasValidSet())
-        return limits;
+    return HasValidSet() ? LimitsOfSet(run, limits) : limits;
+}
+
+template <class T>
+Limits<T> ValueNode<T>::LimitsOfSet(Run &run, Limits<T> limits)
+{
     const std::vector<T> valid = ValidValues(run);
     return valid.empty() ? limits : Limits<T>{std::max(limits.min, valid.front()), std::min(limits.max, valid.back())};
 }
