@@ -247,6 +247,52 @@ TEST(Selector, ARegisterThatMovesKeepsOneValueForEachPlace)
     EXPECT_EQ(map.Int("Gain"), 11) << "forgetting a register that moves forgets it at every place";
 }
 
+TEST(Selector, MakesStaleWhatDependsOnTheSelected)
+{
+    TestMap map(Reg("IntReg", "SelReg", 0) + selector + "<Integer Name=\"Gain\"><pValue>GainReg</pValue></Integer>" +
+                Reg("IntReg", "GainReg", 0x10, "<pIndex Offset=\"4\">Sel</pIndex>") +
+                Reg("IntReg", "OfGain", 0x20, "<pInvalidator>Gain</pInvalidator>") + Reg("IntReg", "Other", 0x24));
+    map.Int("OfGain");
+    map.Int("Other");
+    map.port.Put<std::uint32_t>(0x20, 9);
+    map.port.Put<std::uint32_t>(0x24, 9);
+    map->SetEnumText(map["Sel"], "B");
+    EXPECT_EQ(map.Int("OfGain"), 9) << "the gain is another one, although its register forgets nothing";
+    EXPECT_EQ(map.Int("Other"), 0);
+}
+
+TEST(Selector, MakesStaleWhatSharesARegisterWithTheSelected)
+{
+    TestMap map(Reg("IntReg", "SelReg", 0) + selector + "<Integer Name=\"Gain\"><pValue>GainReg</pValue></Integer>" +
+                Reg("IntReg", "GainReg", 0x10) + "<Integer Name=\"Same\"><pValue>GainReg</pValue></Integer>" +
+                Reg("IntReg", "OfSame", 0x20, "<pInvalidator>Same</pInvalidator>"));
+    map.Int("OfSame");
+    map.port.Put<std::uint32_t>(0x20, 9);
+    map->SetEnumText(map["Sel"], "B");
+    EXPECT_EQ(map.Int("OfSame"), 9);
+}
+
+TEST(Selector, AsksNothingThatItDoesNotChange)
+{
+    TestMap map(
+        Reg("IntReg", "SelReg", 0) + selector +
+        "<Integer Name=\"Gain\"><pIsAvailable>Inquiry</pIsAvailable><pValue>Sum</pValue></Integer>" +
+        Reg("IntReg", "Inquiry", 0x30) +
+        "<IntSwissKnife Name=\"Sum\"><pVariable Name=\"S\">Sel</pVariable><pVariable Name=\"G\">Banked</pVariable>"
+        "<pVariable Name=\"M\">Moving</pVariable><Formula>S + G + M</Formula></IntSwissKnife>" +
+        Reg("IntReg", "Banked", 4) + Reg("IntReg", "Moving", 0x10, "<pIndex Offset=\"4\">SelReg</pIndex>"));
+    map.port.Put<std::uint32_t>(0x30, 1);
+    Traffic traffic{map.port};
+    map.Int("Gain");
+    EXPECT_EQ(traffic.Take(), Counts(4, 0));
+    map->SetEnumText(map["Sel"], "B");
+    EXPECT_EQ(map.Int("Gain"), 1);
+    EXPECT_EQ(traffic.Take(), Counts(2, 1)) << "the banked register, and the other place of the moving one";
+    map->SetEnumText(map["Sel"], "A");
+    EXPECT_EQ(map.Int("Gain"), 0);
+    EXPECT_EQ(traffic.Take(), Counts(1, 1)) << "the place of the moving one is known";
+}
+
 TEST(Polling, ExpiresWhatIsRemembered)
 {
     std::chrono::milliseconds now{0};
@@ -308,6 +354,18 @@ TEST(Polling, ReachesWhatAPolledValueMakesStale)
     EXPECT_EQ(polled.ReadsAt(9, all), 0);
     EXPECT_EQ(polled.ReadsAt(10, all), 1);
     EXPECT_EQ(polled.ReadsAt(100, {"Size", "View", "Still"}), 2) << "nobody has read Mode itself";
+}
+
+TEST(Polling, SpreadsTheShortestOfItsTimes)
+{
+    PolledMap polled(Reg("IntReg", "Slow", 0, "<PollingTime>100</PollingTime>") +
+                     Reg("IntReg", "Fast", 4, "<PollingTime>10</PollingTime>") +
+                     "<Integer Name=\"View\"><pInvalidator>Slow</pInvalidator><pInvalidator>Fast</pInvalidator>"
+                     "<pValue>Below</pValue></Integer>" +
+                     Reg("IntReg", "Below", 8));
+    EXPECT_EQ(polled.ReadsAt(0, {"View"}), 1);
+    EXPECT_EQ(polled.ReadsAt(9, {"View"}), 0);
+    EXPECT_EQ(polled.ReadsAt(10, {"View"}), 1);
 }
 
 TEST(Polling, OfARegisterThatMovesIsThatOfEachPlace)

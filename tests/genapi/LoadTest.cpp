@@ -248,6 +248,7 @@ TEST(Load, RefusesWhatIsNoDescription)
     EXPECT_THAT(error(std::string(100, '\0')), StartsWith("[description] line 1: "));
     EXPECT_THAT(error("hello"), StartsWith("[description] line 1: "));
     EXPECT_THAT(error("<RegisterDescription>\n\n<Integer Name=\"A\">"), StartsWith("[description] line 3: no XML"));
+    EXPECT_EQ(error(std::string((64 << 20) + 1, ' ')), "[description] is too large, 67108865 bytes");
     EXPECT_THAT(error("<Other/>"), HasSubstr("RegisterDescription is missing"));
     EXPECT_THAT(error("<RegisterDescription/>"), HasSubstr("has no nodes"));
     EXPECT_THAT(error("<RegisterDescription SchemaMajorVersion=\"7\"/>"), HasSubstr("schema version 7"));
@@ -307,7 +308,9 @@ TEST(Load, TakesTheUsualEncodings)
 
 TEST(Load, ReadsWindowsTextsAsWhatTheyAre)
 {
-    const std::string windows = "\x80 \x96 \xB5m\x99 \x81", utf8 = "\u20AC \u2013 \u00B5m\u2122 \u0081";
+    // The last two are no UTF-8 either: an overlong form, and a character beyond the last one.
+    const std::string windows = "\x80 \x96 \xB5m\x99 \x81 \xC0\xAF \xF5\x8A\x8A\x8A",
+                      utf8 = "\u20AC \u2013 \u00B5m\u2122 \u0081 \u00C0\u00AF \u00F5\u0160\u0160\u0160";
     const auto unitOf = [&](const std::string &encoding) {
         std::string xml = Describe(Int("A", "<Value>1</Value><Unit>" + windows + "</Unit>"));
         xml.replace(xml.find("utf-8"), 5, encoding);

@@ -94,6 +94,20 @@ TEST(Entries, WhosePutTogetherNamesMeetAreStillTheirOwn)
     EXPECT_EQ(map->GetEnumText(map["A_B"]), "C");
 }
 
+TEST(Entries, MayBeGivenTheirWholeNames)
+{
+    TestMap map("<Enumeration Name=\"Mode\"><EnumEntry Name=\"EnumEntry_Mode_Off\"><Value>0</Value></EnumEntry>"
+                "<EnumEntry Name=\"EnumEntry_Other_On\"><Value>1</Value></EnumEntry>"
+                "<EnumEntry Name=\"C\"><Value>2</Value><Symbolic>Third "
+                "One</Symbolic></EnumEntry><Value>0</Value></Enumeration>");
+    EXPECT_EQ(map->GetEnumText(map["Mode"]), "Off");
+    EXPECT_EQ(map["EnumEntry_Mode_Off"], map->Entry(map["Mode"], 0));
+    map->SetEnumText(map["Mode"], "EnumEntry_Other_On");
+    EXPECT_EQ(map->GetEnumInt(map["Mode"]), 1);
+    map->SetEnumText(map["Mode"], "Third One");
+    EXPECT_EQ(map->GetEnumInt(map["Mode"]), 2);
+}
+
 TEST(Groups, AreTransparent)
 {
     TestMap map("<Group Comment=\"x\"><Group Comment=\"y\">" + Reg("IntReg", "A", 0) + "</Group></Group>");
