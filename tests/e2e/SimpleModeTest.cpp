@@ -103,7 +103,7 @@ TEST_F(SimpleModeTest, ThousandRoundsOfStartAndStop)
     SimpleChannel channel(Open());
     Seen seen;
     EXPECT_EQ(Strm_SetCallbackImageAcquired(channel.Stream(), OnImage, &seen), 0u);
-    for (int round = 0; round < Rounds(1000, 100) && !HasFailure(); ++round) {
+    for (int round = 0; round < Rounds(1000, 50) && !HasFailure(); ++round) {
         const int before = seen.images;
         channel.Start();
         while (seen.images == before && !HasFailure())

@@ -83,15 +83,6 @@ STEPS = [
          "grep -q '^OK *permission of VC000002' /tmp/out || exit 1; "
          "as nobody 'orvicam doctor' | tee /tmp/out; grep -q -- '-> sudo usermod -aG plugdev nobody' /tmp/out && "
          "ls /dev/u3v/by-id/*VC000001 && udevadm info /dev/u3v/by-id/*VC000001 | grep 'TAGS=.*:uaccess:'"),
-    Step("busy", "a camera of another program is told of as in use", 60,
-         "orvicam -c VC000001 events --no-stream Test >/tmp/events.log 2>&1 & holder=$!; "
-         "await 'readlink /sys/bus/usb/devices/2-1:1.0/driver | grep -q usbfs' && orvicam list | tee /tmp/out; "
-         "grep -q 'VC000001 cannot be opened: in use by another program' /tmp/out && "
-         "[ $(grep -c 'cannot be opened' /tmp/out) = 1 ] || exit 1; "
-         "if orvicam -c VC000001 get Width 2>/tmp/out; then exit 1; fi; cat /tmp/out; "
-         "grep -q 'another program has the camera open; close that one first' /tmp/out && "
-         "orvicam doctor >/tmp/out; grep 'WARN *driver of VC000001 *a program is using the camera' /tmp/out || exit 1; "
-         "kill -INT $holder; wait $holder; orvicam -c VC000001 get Width"),
     Step("same", "one application, in-process and over USB: 1000 images, all features", 300,
          "for road in virtual usb; do export ORVI_TRANSPORT=$road ORVI_E2E_LINK=$road; "
          "{ ORVI_VIRTUAL_CAMERAS=2 orvicam list && ORVI_VIRTUAL_CAMERAS=2 orvicam -c VC000001 --json features --all && "
@@ -108,6 +99,15 @@ STEPS = [
          "ORVI_E2E_LINK=usb e2e_test --gtest_color=no --gtest_filter=-WrongHandleTest.*"),
     Step("faults", "the library's tests of failing cameras", 400,
          "ORVI_E2E_LINK=usb fault_test --gtest_color=no"),
+    Step("busy", "a camera of another program is told of as in use", 60,
+         "orvicam -c VC000001 events --no-stream Test >/tmp/events.log 2>&1 & holder=$!; "
+         "await 'readlink /sys/bus/usb/devices/2-1:1.0/driver | grep -q usbfs' && orvicam list | tee /tmp/out; "
+         "grep -q 'VC000001 cannot be opened: in use by another program' /tmp/out && "
+         "[ $(grep -c 'cannot be opened' /tmp/out) = 1 ] || exit 1; "
+         "if orvicam -c VC000001 get Width 2>/tmp/out; then exit 1; fi; cat /tmp/out; "
+         "grep -q 'another program has the camera open; close that one first' /tmp/out && "
+         "orvicam doctor >/tmp/out; grep 'WARN *driver of VC000001 *a program is using the camera' /tmp/out || exit 1; "
+         "kill -INT $holder; wait $holder; orvicam -c VC000001 get Width"),
     Step("kinds", "nodes of every kind, in-process and over USB", 200,
          "plug_more /tmp/kinds.log 7 --attach --config $cameras || exit 1; "
          "for road in virtual usb; do ORVI_E2E_LINK=$road ORVI_VIRTUAL_CAMERAS=$cameras "
