@@ -69,6 +69,12 @@ class TransferMemoryTest : public testing::Test {
         return isGood;
     }
 
+    void LimitTransfers(std::size_t bytes) const
+    {
+        const std::lock_guard lock(FakeBus::Instance().mutex);
+        script->maxTransfer = bytes;
+    }
+
     std::string Log() const
     {
         std::ifstream file(log);
@@ -118,10 +124,7 @@ TEST_F(TransferMemoryTest, LargeTransfersThatFitNoLongerAreHalvedWhileTheStreamR
     constexpr std::uint64_t streamControl = FakeDevice::sirm + 4;
     Start(2048 * kibibyte);
     EXPECT_EQ(device->Get32(transferSizeRegister), 2048 * kibibyte);
-    {
-        const std::lock_guard lock(FakeBus::Instance().mutex);
-        script->maxTransfer = 700 * kibibyte;
-    }
+    LimitTransfers(700 * kibibyte);
     for (std::uint64_t block = 1; block <= buffers.size(); ++block)
         EXPECT_TRUE(Deliver(block)) << "posted before";
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
@@ -135,13 +138,35 @@ TEST_F(TransferMemoryTest, LargeTransfersThatFitNoLongerAreHalvedWhileTheStreamR
     EXPECT_EQ(stream->LostCount(), 0U);
     EXPECT_THAT(Log(), HasSubstr("no memory for transfers of 2097152 bytes any more: started anew with half of it"));
 
-    {
-        const std::lock_guard lock(FakeBus::Instance().mutex);
-        script->maxTransfer = SIZE_MAX;
-    }
+    LimitTransfers(SIZE_MAX);
     stream->Engine().Stop();
     stream->Start(8);
     EXPECT_EQ(device->Get32(transferSizeRegister), 2048 * kibibyte) << "the next start tries what the caller asks for";
+}
+
+TEST_F(TransferMemoryTest, StopComesBeforeStartingAnew)
+{
+    for (std::size_t round = 1; round <= 5; ++round) {
+        LimitTransfers(SIZE_MAX);
+        if (round == 1)
+            Start(2048 * kibibyte);
+        else
+            stream->Start(8);
+        LimitTransfers(700 * kibibyte);
+        for (std::uint64_t block = 1; block <= buffers.size(); ++block)
+            EXPECT_TRUE(Deliver(block));
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+        for (std::size_t begun = 0; begun < round;) {
+            ASSERT_LT(std::chrono::steady_clock::now(), end);
+            const std::string text = Log();
+            begun = 0;
+            for (std::size_t at = 0; (at = text.find("started anew", at)) != std::string::npos; ++at)
+                ++begun;
+        }
+        stream->Engine().Stop();
+        EXPECT_EQ(device->Get32(FakeDevice::sirm + 4), 0U);
+        EXPECT_EQ(device->Posted(Vcam::Endpoint::StreamIn), 0U);
+    }
 }
 
 TEST_F(TransferMemoryTest, LargeTransfersThatFitAreUsed)

@@ -57,14 +57,17 @@ bool StreamEngine::IsStarved() const
 void StreamEngine::Shrink(std::unique_lock<std::mutex> &lock)
 {
     refusals_ = 0;
-    // Who starts or stops now has its own idea of the sizes.
-    const std::unique_lock operation(operation_, std::try_to_lock);
-    if (!operation.owns_lock())
+    DrainAll(lock, Drain::Requeue);
+    if (!isRunning_) // a callback has stopped it
         return;
+    const std::unique_lock operation(operation_, std::try_to_lock);
+    if (!operation.owns_lock()) { // whoever starts or stops it now comes first
+        Realign(lock);
+        return;
+    }
     LogDevice(CAM_LOG_LEVEL_WARN,
               "stream of %s: no memory for transfers of %zu bytes any more: started anew with half of it",
               link_.Identity().serial.c_str(), layout_.MaxSlot());
-    DrainAll(lock, Drain::Requeue);
     const std::size_t half = layout_.MaxSlot() / 2;
     lock.unlock();
     try {
