@@ -13,6 +13,16 @@ class LineEffectTest : public EffectTest {
         ASSERT_EQ(SetCamLineSource(hCam, line, source), 0u);
     }
     void SetLine0(bool level) { WriteWord(hCam, Virtual::lineLevels, level ? 1 : 0); }
+    /// A timer that runs ends with a short run; the next one is long.
+    void EndTimer()
+    {
+        ASSERT_EQ(SetCamTimerDuration(hCam, 1), 0u);
+        ASSERT_EQ(SetCamTimerTriggerSource(hCam, CAM_TIMER_TRIGGER_SOURCE_LINE0_ACTIVE), 0u);
+        SetLine0(true);
+        SetLine0(false);
+        ASSERT_TRUE(Eventually([&] { return (LineStatus() & line1) == 0; }));
+        ASSERT_EQ(SetCamTimerDuration(hCam, 10'000'000), 0u);
+    }
 };
 
 TEST_F(LineEffectTest, ModesTellInputsFromOutputs)
@@ -165,27 +175,46 @@ TEST_F(LineEffectTest, TimerRunsAfterItsTrigger)
 
 TEST_F(LineEffectTest, TimerStartsWithWhatItIsTold)
 {
+    const struct {
+        CAM_TIMER_TRIGGER_SOURCE_TYPE source;
+        bool whileDelayed, whileExposed, behind; ///< whether the timer has started
+    } rows[] = {{CAM_TIMER_TRIGGER_SOURCE_OFF, false, false, false},
+                {CAM_TIMER_TRIGGER_SOURCE_LINE0_ACTIVE, true, true, true},
+                {CAM_TIMER_TRIGGER_SOURCE_FRAME_TRIGGER, true, true, true},
+                {CAM_TIMER_TRIGGER_SOURCE_EXPOSURE_START, false, true, true},
+                {CAM_TIMER_TRIGGER_SOURCE_EXPOSURE_END, false, false, true}};
+    ASSERT_EQ(SetCamTriggerMode(hCam, true), 0u);
+    ASSERT_EQ(SetCamTriggerSource(hCam, CAM_TRIGGER_SOURCE_LINE0), 0u);
+    ASSERT_EQ(SetCamTriggerSequence(hCam, CAM_TRIGGER_SEQUENCE_1), 0u); // exposed as long as the line is high
     SetSource(CAM_LINE_SELECTOR_LINE1, CAM_LINE_SOURCE_TIMER0_ACTIVE);
-    for (const auto source : {CAM_TIMER_TRIGGER_SOURCE_FRAME_TRIGGER, CAM_TIMER_TRIGGER_SOURCE_EXPOSURE_START,
-                              CAM_TIMER_TRIGGER_SOURCE_EXPOSURE_END}) {
-        // A timer of the last source ends with a short run.
-        ASSERT_EQ(SetCamTimerDuration(hCam, 1), 0u);
-        ASSERT_EQ(SetCamTimerTriggerSource(hCam, CAM_TIMER_TRIGGER_SOURCE_LINE0_ACTIVE), 0u);
-        SetLine0(true);
-        SetLine0(false);
-        ASSERT_TRUE(Eventually([&] { return LineStatus() == 0; }));
-        ASSERT_EQ(SetCamTimerDuration(hCam, 10'000'000), 0u);
-        ASSERT_EQ(SetCamTimerTriggerSource(hCam, source), 0u);
-        ASSERT_EQ(SetCamTriggerMode(hCam, true), 0u);
-        RequestChannel channel(hCam, 2);
-        channel.EnqueueAll();
-        channel.Start();
-        EXPECT_EQ(LineStatus(), 0u);
-        ASSERT_EQ(ExecuteCamSoftwareTrigger(hCam), 0u);
-        EXPECT_EQ(channel.Next().info.uiStatus, 0u);
-        EXPECT_EQ(LineStatus(), line1) << source;
-        channel.Stop();
-    }
+    const auto isRunning = [&] { return (LineStatus() & line1) != 0; };
+    const auto await = [&](CAM_LINE_SOURCE_TYPE source) {
+        SetSource(CAM_LINE_SELECTOR_LINE2, source);
+        ASSERT_TRUE(Eventually([&] { return (LineStatus() & line2) != 0; }));
+    };
+    for (const auto &row : rows)
+        for (const bool isDelayed : {true, false}) {
+            EndTimer();
+            ASSERT_EQ(SetCamTimerTriggerSource(hCam, row.source), 0u);
+            ASSERT_EQ(SetCamTriggerDelay(hCam, isDelayed ? 10'000'000 : 0), 0u);
+            RequestChannel channel(hCam, 2);
+            channel.EnqueueAll();
+            channel.Start();
+            await(CAM_LINE_SOURCE_FRAME_TRIGGER_WAIT);
+            EXPECT_FALSE(isRunning()) << row.source;
+            SetLine0(true);
+            if (isDelayed) {
+                EXPECT_EQ(isRunning(), row.whileDelayed) << row.source;
+            } else {
+                await(CAM_LINE_SOURCE_EXPOSURE_ACTIVE);
+                EXPECT_EQ(isRunning(), row.whileExposed) << row.source;
+                SetLine0(false);
+                EXPECT_EQ(channel.Next().info.uiStatus, 0u);
+                EXPECT_EQ(isRunning(), row.behind) << row.source;
+            }
+            SetLine0(false);
+            channel.Stop();
+        }
     EXPECT_EQ(SetCamTimerTriggerSource(hCam, CAM_TIMER_TRIGGER_SOURCE_TYPE(0x6D)), CAM_API_STS_NOT_AVAILABLE);
 }
 
