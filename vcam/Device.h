@@ -14,6 +14,7 @@
 #include "vcam/Front.h"
 #include "vcam/GenCpServer.h"
 #include "vcam/Outbox.h"
+#include "vcam/Packing.h"
 #include "vcam/Painter.h"
 #include "vcam/Registers.h"
 #include "vcam/SelectedRegisters.h"
@@ -69,6 +70,7 @@ class Device final : public VirtualCamera, private GenCpMemory {
     struct Shot {
         std::uint64_t block, time;
         PictureSettings settings;
+        Packing packing = Packing::None;
         std::vector<FaultRule> faults{};
     };
     /// The acquisition and the endpoint's epoch that a frame on its way belongs to.
@@ -172,6 +174,10 @@ class Device final : public VirtualCamera, private GenCpMemory {
     // DevicePicture.cpp: what the next image depends on
     PictureSettings Settings() const;
     std::uint32_t Exposure() const;
+    Packing PackingNow() const { return static_cast<Packing>(registers_.Word(Reg::Packing)); }
+    static std::size_t PayloadBytes(const PictureSettings &settings, Packing packing);
+    /// What is sent.
+    std::span<const std::byte> DrawPayload(const Shot &shot);
     /// Called without the lock: an image of one's own may take its time.
     std::span<const std::byte> Draw(const Shot &shot);
 
@@ -272,6 +278,7 @@ class Device final : public VirtualCamera, private GenCpMemory {
     InEndpoint control_, event_, stream_;
     Outbox ackOutbox_, eventOutbox_;
     const std::unique_ptr<ImageFeed> feed_; // null: the camera's own scene
+    std::vector<std::byte> packed_;         // the payload, when the format is packed
     Painter painter_;                       // the sensor's thread alone, as the images of the feed
     std::thread sensor_;
     Alarm alarm_;

@@ -63,6 +63,25 @@ std::span<const std::byte> Device::Draw(const Shot &shot)
     return painter_.Draw(settings, shot.block);
 }
 
+std::size_t Device::PayloadBytes(const PictureSettings &settings, Packing packing)
+{
+    return packing == Packing::None
+               ? settings.ImageBytes()
+               : PackedBytes(settings.Format(), packing, std::size_t{settings.width} * settings.height);
+}
+
+std::span<const std::byte> Device::DrawPayload(const Shot &shot)
+{
+    const std::span<const std::byte> image = Draw(shot);
+    const PixelFormat &format = shot.settings.Format();
+    if (PackedCode(format, shot.packing) == format.code) {
+        return image;
+    }
+    packed_.resize(PayloadBytes(shot.settings, shot.packing));
+    Pack(format, shot.packing, image, packed_);
+    return packed_;
+}
+
 /// Of the next image: the sequential shutter's, when it is on.
 std::uint32_t Device::Exposure() const
 {

@@ -75,6 +75,7 @@ inline constexpr DeviceRegister s_deviceRegisters[] = {
     {Reg::PendingAcks,         Rights::ReadWrite, 0,          0, 0xFFFFFFFF,       Locked::Never},
     {Reg::CommandDelay,        Rights::ReadWrite, 0,          0, 0xFFFFFFFF,       Locked::Never},
     {Reg::LastExposure,        Rights::Read,      0,          0, 0,                Locked::Never},
+    {Reg::Packing,             Rights::ReadWrite, 0,          0, 2,                Locked::WhileStreaming},
     {Reg::LostAcks,            Rights::ReadWrite, 0,          0, 0xFFFFFFFF,       Locked::Never},
     {Reg::FaultMoment,         Rights::ReadWrite, 0,          0, 3,                Locked::Never},
     {Reg::FaultAt,             Rights::ReadWrite, Reg::s_unset, 0, 0xFFFFFFFF,     Locked::Never},

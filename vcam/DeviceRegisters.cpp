@@ -99,6 +99,10 @@ GenCpStatus Device::CheckQuadlet(std::uint64_t address, std::uint32_t value) con
     if (address == Reg::FaultArm && value != 0 && !MayArm()) {
         return GenCpStatus::InvalidParameter;
     }
+    // Formats of the camera's own description are unpacked.
+    if (address == Reg::Packing && value != 0 && config_.xml.empty()) {
+        return GenCpStatus::InvalidParameter;
+    }
     const bool isInRange = value - row->minimum <= row->maximum - row->minimum; // whatever the sign
     const bool isKnown = (address != Reg::PixelFormat || IsOffered(FindPixelFormat(value))) &&
                          (address != Reg::AcquisitionMode || value == s_singleFrame ||
@@ -216,7 +220,7 @@ bool Device::IsOffered(const PixelFormat *format) const
                                  std::ranges::find(config_.pixelFormats, format->code) != config_.pixelFormats.end());
 }
 
-void Device::UpdatePayloadSize() { registers_.SetLong(Reg::SiRequiredPayload, Settings().ImageBytes()); }
+void Device::UpdatePayloadSize() { registers_.SetLong(Reg::SiRequiredPayload, PayloadBytes(Settings(), PackingNow())); }
 
 void Device::FinishWrite()
 {

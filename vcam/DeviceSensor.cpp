@@ -203,7 +203,7 @@ void Device::TakeFrame(Lock &lock)
 {
     const std::uint64_t run = acquisition_.run;
     const bool isThrottled = IsThrottled();
-    Shot shot{0, 0, Settings()};
+    Shot shot{0, 0, Settings(), PackingNow()};
     BeginFrame(shot);
     if (isUnplugRequested_) {
         return;

@@ -52,7 +52,7 @@ void Device::LoseFrame(std::uint64_t block)
 bool Device::SendFrame(Lock &lock, const Shot &shot)
 {
     const PictureSettings &settings = shot.settings;
-    const FramePlan plan = PlanFrame(shot.block, settings.ImageBytes(), shot.faults);
+    const FramePlan plan = PlanFrame(shot.block, PayloadBytes(settings, shot.packing), shot.faults);
     if (!IsStreamEnabled() || plan.isLost) {
         return false;
     }
@@ -63,8 +63,7 @@ bool Device::SendFrame(Lock &lock, const Shot &shot)
     const Sending sending{acquisition_.run, stream_.Epoch()};
     isInFrame_ = isTransferring_ = true;
     lock.unlock();
-    const std::span image = Draw(shot);
-    const std::size_t lineBytes = image.size() / settings.height;
+    const std::span image = DrawPayload(shot);
     const std::uint16_t imageType = 1;
 
     std::array<std::byte, 52> leader{};
@@ -76,7 +75,7 @@ bool Device::SendFrame(Lock &lock, const Shot &shot)
         .Put(std::uint16_t{0})
         .Put(imageType)
         .Put(shot.time)
-        .Put(settings.pixelFormat)
+        .Put(PackedCode(settings.Format(), shot.packing))
         .Put(settings.width)
         .Put(settings.height)
         .Put(settings.offsetX)
@@ -92,7 +91,7 @@ bool Device::SendFrame(Lock &lock, const Shot &shot)
         .Put(plan.status)
         .Put(std::uint16_t{0})
         .Put(std::uint64_t{plan.valid})
-        .Put(static_cast<std::uint32_t>(plan.valid / lineBytes));
+        .Put(static_cast<std::uint32_t>(plan.valid * settings.height / image.size()));
 
     if (plan.stallAt == 0U) {
         stream_.SetHalt();
@@ -164,7 +163,7 @@ bool Device::SendMessage(const Sending &sending, Message message)
 /// An image that the sensor takes while another one waits for the host: held, or lost.
 void Device::MissFrame(Lock &lock)
 {
-    Shot shot{0, 0, Settings()};
+    Shot shot{0, 0, Settings(), PackingNow()};
     BeginFrame(shot);
     const std::uint64_t block = shot.block;
     for (const EventKind kind : {EventKind::FrameStart, EventKind::ExposureStart, EventKind::ExposureEnd}) {

@@ -88,6 +88,22 @@ void ForeignFeatures::SetLimits(const ForeignXml::Limits &limits)
     }
 }
 
+/// The first that the camera paints and that is on offer; packed ones when there are no others.
+void ForeignFeatures::SetDefaultFormat(std::span<const std::uint32_t> offered)
+{
+    for (const bool isPacked : {false, true}) {
+        for (const std::string &symbol : nodes_.Symbols("PixelFormat")) {
+            const auto format = FormatOf(symbol, nodes_.ValueOf("PixelFormat", symbol));
+            const bool isOffered =
+                format && (offered.empty() || std::ranges::find(offered, format->unpacked->code) != offered.end());
+            if (isOffered && (format->packing != Packing::None) == isPacked) {
+                nodes_.SetSymbol("PixelFormat", symbol);
+                return;
+            }
+        }
+    }
+}
+
 void ForeignFeatures::SetDefaults(std::span<const ForeignXml::Limits> limits,
                                   std::span<const std::uint32_t> pixelFormats)
 {
@@ -102,17 +118,7 @@ void ForeignFeatures::SetDefaults(std::span<const ForeignXml::Limits> limits,
         nodes_.With("BalanceRatioSelector", symbol, [this] { nodes_.SetNearest("BalanceRatio", 1); });
     }
     nodes_.SetSymbol("AcquisitionMode", "Continuous");
-    for (const std::string &symbol : nodes_.Symbols("PixelFormat")) {
-        const auto code = nodes_.ValueOf("PixelFormat", symbol);
-        const PixelFormat *format = FormatOf(symbol, code);
-        const bool isOffered =
-            format != nullptr &&
-            (pixelFormats.empty() || std::ranges::find(pixelFormats, format->code) != pixelFormats.end());
-        if (isOffered) {
-            nodes_.SetSymbol("PixelFormat", symbol);
-            break;
-        }
-    }
+    SetDefaultFormat(pixelFormats);
     nodes_.SetNearest("OffsetX", 0);
     nodes_.SetNearest("OffsetY", 0);
     nodes_.SetNearest("Width", Word(ImageSizeWord::SensorWidth));

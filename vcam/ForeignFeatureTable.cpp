@@ -4,7 +4,7 @@
 
 namespace Orvi::Vcam {
 
-const PixelFormat *FormatOf(std::string_view symbol, std::optional<std::int64_t> code)
+std::optional<ForeignFormat> FormatOf(std::string_view symbol, std::optional<std::int64_t> code)
 {
     constexpr std::pair<std::string_view, std::string_view> others[] = {{"RGB8Packed", "RGB8"},
                                                                         {"BGR8Packed", "BGR8"},
@@ -13,8 +13,13 @@ const PixelFormat *FormatOf(std::string_view symbol, std::optional<std::int64_t>
     for (const auto &[other, name] : others) {
         symbol = symbol == other ? name : symbol;
     }
+    const auto pfnc = code ? std::optional(static_cast<std::uint32_t>(*code)) : std::nullopt;
     const PixelFormat *format = FindPixelFormat(symbol);
-    return format != nullptr || !code ? format : FindPixelFormat(static_cast<std::uint32_t>(*code));
+    if (const auto packed = format == nullptr ? FindPackedFormat(symbol, pfnc) : std::nullopt) {
+        return ForeignFormat{packed->unpacked, packed->packing};
+    }
+    format = format == nullptr && pfnc ? FindPixelFormat(*pfnc) : format;
+    return format == nullptr ? std::nullopt : std::optional(ForeignFormat{format});
 }
 
 const char *NodeOf(const ForeignNodes &nodes, const ForeignNumber &row)

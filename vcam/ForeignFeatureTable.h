@@ -2,6 +2,7 @@
 // The standard features that the engine has registers for, and how their values become the registers'.
 
 #include "vcam/ControlBlocks.h"
+#include "vcam/Packing.h"
 #include "vcam/PixelFormats.h"
 #include "vcam/Registers.h"
 
@@ -114,8 +115,12 @@ inline constexpr const char *s_eventNames[] = {
 
 class ForeignNodes;
 
-/// The engine's format behind a symbol or a PFNC code; null for one that it does not paint.
-const PixelFormat *FormatOf(std::string_view symbol, std::optional<std::int64_t> code);
+/// The engine's format behind a symbol or a PFNC code; none for one that it does not paint.
+struct ForeignFormat {
+    const PixelFormat *unpacked;
+    Packing packing = Packing::None;
+};
+std::optional<ForeignFormat> FormatOf(std::string_view symbol, std::optional<std::int64_t> code);
 
 /// The name that the description has for the number.
 const char *NodeOf(const ForeignNodes &nodes, const ForeignNumber &row);

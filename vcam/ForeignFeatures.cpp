@@ -146,8 +146,12 @@ GenCpStatus ForeignFeatures::ApplyPixelFormat()
     if (!symbol) {
         return GenCpStatus::Success;
     }
-    const PixelFormat *format = FormatOf(*symbol, nodes_.ValueOf("PixelFormat", *symbol));
-    return format == nullptr ? GenCpStatus::InvalidParameter : Pass(Reg::PixelFormat, format->code);
+    const auto format = FormatOf(*symbol, nodes_.ValueOf("PixelFormat", *symbol));
+    if (!format) {
+        return GenCpStatus::InvalidParameter;
+    }
+    const GenCpStatus status = Pass(Reg::PixelFormat, format->unpacked->code);
+    return status == GenCpStatus::Success ? Pass(Reg::Packing, static_cast<std::uint32_t>(format->packing)) : status;
 }
 
 GenCpStatus ForeignFeatures::ApplyImage()

@@ -63,6 +63,7 @@ class ForeignFeatures {
     std::optional<double> LastLutEntry() const;
     GenCpStatus PassLutEntry(double last, double most);
     void SetLimits(const ForeignXml::Limits &limits);
+    void SetDefaultFormat(std::span<const std::uint32_t> offered);
     void Show(std::string_view name, double value);
 
     ForeignNodes &nodes_;

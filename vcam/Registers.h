@@ -131,6 +131,7 @@ constexpr std::uint64_t PendingAcks           = Virtual + 0x14; // commands that
 constexpr std::uint64_t LostAcks              = Virtual + 0x18; // commands that are carried out but not answered
 constexpr std::uint64_t CommandDelay          = Virtual + 0x1C; // ms until commands report done; s_never: not at all
 constexpr std::uint64_t LastExposure          = Virtual + 0x20; // of the last image, in us
+constexpr std::uint64_t Packing               = Virtual + 0x24; // of pixels of 10 and 12 bits: Packing.h
 constexpr std::uint32_t s_never               = 0xFFFFFFFF;
 // A rule of Faults.h, one quadlet for each member
 constexpr std::uint64_t FaultMoment           = Virtual + 0x40;

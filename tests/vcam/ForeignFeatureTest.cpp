@@ -1,6 +1,7 @@
 // Standard features of other models' descriptions act on what the camera does.
 
 #include "ForeignFixture.h"
+#include "vcam/Packing.h"
 
 namespace Orvi::Vcam::Test {
 namespace {
@@ -163,6 +164,39 @@ TEST(ForeignFeature, ColoursAndSharpnessAct)
     EXPECT_EQ(frame.image, Reference(settings, frame.block));
     camera.SetInt("Sharpness", -16); // there is no softer than as it is
     EXPECT_EQ(peek(Block::Sharpness), 0u);
+}
+
+TEST(ForeignFeature, PackedFormatsArePacked)
+{
+    // name, code, bits, the format before it is packed
+    const std::tuple<const char *, std::uint32_t, unsigned, std::uint32_t> rows[] = {
+        {"Mono10p", 0x010A0046, 10, 0x01100003},      {"Mono12p", 0x010C0047, 12, 0x01100005},
+        {"Mono12Packed", 0x010C0006, 12, 0x01100005}, {"BayerRG10Packed", 0x010C0027, 12, 0x0110000D},
+        {"Mono8", 0x01080001, 8, 0x01080001},
+    };
+    Foreign camera("converters");
+    camera.SetInt("Width", 24);
+    camera.SetInt("Height", 18);
+    PictureSettings settings;
+    settings.sensorWidth = 640;
+    settings.sensorHeight = 480;
+    settings.width = 24;
+    settings.height = 18;
+    for (const auto &[name, code, bits, unpacked] : rows) {
+        camera.SetEnum("PixelFormat", name);
+        settings.pixelFormat = unpacked;
+        std::vector<std::byte> wanted = Reference(settings, 0);
+        if (bits != 8) {
+            const auto format = FindPackedFormat(name, std::nullopt);
+            std::vector<std::byte> packed(std::size_t{24} * 18 * bits / 8);
+            Pack(*format->unpacked, format->packing, wanted, packed);
+            wanted = packed;
+        }
+        EXPECT_EQ(camera.control.Read(Reg::SiRequiredPayload), wanted.size()) << name;
+        const Frame frame = camera.Image();
+        EXPECT_EQ(frame.pixelFormat, code) << name;
+        EXPECT_EQ(frame.image, wanted) << name;
+    }
 }
 
 TEST(ForeignFeature, LookUpTableActs)

@@ -135,7 +135,7 @@ TEST(ForeignCamera, RightsAndLimitsOfTheMemory)
     EXPECT_EQ(camera.control.TryWrite(0x100080, 1), GenCpStatus::WriteProtect);
     EXPECT_EQ(camera.control.TryWrite(0x100010, 648), GenCpStatus::InvalidParameter); // beyond the sensor
     EXPECT_EQ(camera.Int("Width"), 640);
-    EXPECT_EQ(camera.control.TryWrite(0x100020, 5), GenCpStatus::InvalidParameter); // a packed format
+    EXPECT_EQ(camera.control.TryWrite(0x100020, 9), GenCpStatus::InvalidParameter); // no format of pictures
     EXPECT_EQ(camera.Enum("PixelFormat"), "Mono8");
 }
 

@@ -1,4 +1,5 @@
 #include "HostSide.h"
+#include "vcam/Packing.h"
 #include "vcam/Painter.h"
 
 #include <numeric>
@@ -44,6 +45,33 @@ std::uint64_t ReadBlockId(const PictureSettings &settings, const std::vector<std
         id = id << 1 | (image[at] != std::byte{0} ? 1 : 0);
     }
     return id;
+}
+
+TEST(Packing, SamplesLieWithoutGaps)
+{
+    struct Row {
+        const char *name;
+        std::vector<std::uint16_t> samples;
+        std::vector<unsigned> bytes;
+    };
+    const Row rows[] = {
+        {"Mono12p", {0x321, 0x654}, {0x21, 0x43, 0x65}},
+        {"Mono12p", {0x321, 0x654, 0xFED}, {0x21, 0x43, 0x65, 0xED, 0x0F}},
+        {"BayerGR10p", {0x3FF, 0x100, 0x155, 0x2AA}, {0xFF, 0x03, 0x54, 0x95, 0xAA}},
+        {"BayerGB12Packed", {0xABC, 0xDEF}, {0xAB, 0xFC, 0xDE}},
+        {"Mono10Packed", {0x3FF, 0x155, 0x001}, {0xFF, 0x13, 0x55, 0x00, 0x01}},
+    };
+    for (const Row &row : rows) {
+        const auto format = FindPackedFormat(row.name, std::nullopt);
+        ASSERT_TRUE(format) << row.name;
+        std::vector<std::byte> packed(PackedBytes(*format->unpacked, format->packing, row.samples.size()));
+        Pack(*format->unpacked, format->packing, std::as_bytes(std::span(row.samples)), packed);
+        std::vector<unsigned> bytes;
+        std::ranges::transform(packed, std::back_inserter(bytes), std::to_integer<unsigned>);
+        EXPECT_EQ(bytes, row.bytes) << row.name;
+        EXPECT_EQ(PackedCode(*format->unpacked, format->packing), format->code);
+        EXPECT_EQ(FindPackedFormat("other", format->code)->unpacked, format->unpacked);
+    }
 }
 
 TEST(Picture, BlockIdIsReadableInEveryFormat)
