@@ -1,4 +1,5 @@
 #include "vcam/Device.h"
+#include "vcam/ForeignXml.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -159,4 +159,20 @@ class Reader {
 
 ForeignXml ReadForeignXml(std::string_view text) { return Reader(text).Read(); }
 
+CameraConfig NameByDescription(CameraConfig config)
+{
+    if (config.xml.empty()) {
+        return config;
+    }
+    const CameraConfig own;
+    const ForeignXml xml = ReadForeignXml(config.xml);
+    if (config.vendor == own.vendor && !xml.vendor.empty()) {
+        config.vendor = xml.vendor;
+    }
+    if (config.model == own.model && !xml.model.empty()) {
+        config.model = xml.model;
+    }
+    return config;
+}
+
 } // namespace Orvi::Vcam

@@ -3,6 +3,7 @@
 // from writing.
 
 #include "vcam/RegisterSpace.h"
+#include "vcam/VirtualCamera.h"
 
 #include <map>
 #include <string>
@@ -40,5 +41,9 @@ struct ForeignXml {
 
 /// Throws std::runtime_error for what is no GenICam description.
 ForeignXml ReadForeignXml(std::string_view text);
+
+/// The configuration with vendor and model of another model's description, unless it names them itself. Throws
+/// likewise.
+CameraConfig NameByDescription(CameraConfig config);
 
 } // namespace Orvi::Vcam

@@ -17,20 +17,4 @@ std::unique_ptr<Front> MakeFront(const CameraConfig &config, GenCpMemory &engine
     return std::make_unique<HiddenBlocks>(OwnXml(config.pixelFormats), engine);
 }
 
-CameraConfig NameByDescription(CameraConfig config)
-{
-    if (config.xml.empty()) {
-        return config;
-    }
-    const CameraConfig own;
-    const ForeignXml xml = ReadForeignXml(config.xml);
-    if (config.vendor == own.vendor && !xml.vendor.empty()) {
-        config.vendor = xml.vendor;
-    }
-    if (config.model == own.model && !xml.model.empty()) {
-        config.model = xml.model;
-    }
-    return config;
-}
-
 } // namespace Orvi::Vcam

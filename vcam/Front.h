@@ -32,7 +32,4 @@ class Front : public GenCpMemory {
 /// std::runtime_error for a description that cannot be used.
 std::unique_ptr<Front> MakeFront(const CameraConfig &config, GenCpMemory &engine);
 
-/// The configuration with vendor and model of another model's description, unless it names them itself.
-CameraConfig NameByDescription(CameraConfig config);
-
 } // namespace Orvi::Vcam

@@ -1,5 +1,6 @@
 #include "vcam/config/Check.h"
 
+#include "vcam/ForeignXml.h"
 #include "vcam/PixelFormats.h"
 #include "vcam/config/ConfigFile.h"
 
@@ -14,7 +15,7 @@ std::string FormatsOf(const CameraConfig &camera)
         names += names.empty() ? "" : ", ";
         names += FindPixelFormat(code)->name;
     }
-    return names.empty() ? "all" : names;
+    return !names.empty() ? names : camera.xml.empty() ? "all" : "its description's";
 }
 
 std::string ImageOf(const ImageSource &source)
@@ -41,7 +42,8 @@ CheckedFile CheckConfigFile(const std::string &path)
     if (!file.mistakes.empty()) {
         return checked;
     }
-    for (const CameraConfig &camera : file.cameras) {
+    for (const CameraConfig &config : file.cameras) {
+        const CameraConfig camera = NameByDescription(config);
         checked.cameras.push_back({camera.serial, camera.vendor, camera.model, camera.userDefinedName,
                                    camera.sensorWidth, camera.sensorHeight, FormatsOf(camera), ImageOf(camera.image),
                                    camera.faults.rules.size(), camera.xml.empty() ? "its own" : "another model's"});

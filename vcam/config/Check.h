@@ -11,7 +11,7 @@ namespace Orvi::Vcam {
 struct CheckedCamera {
     std::string serial, vendor, model, userName;
     std::uint32_t sensorWidth, sensorHeight;
-    std::string pixelFormats; ///< "all", or names
+    std::string pixelFormats; ///< "all", "its description's", or names
     std::string image;        ///< "pattern", "images ..."
     std::size_t faults;
     std::string description; ///< "its own", or "another model's"

@@ -1,6 +1,7 @@
 #include "vcam/config/ConfigFile.h"
 
 #include "ConfigFiles.h"
+#include "vcam/config/Check.h"
 
 namespace Orvi::Vcam::Test {
 namespace {
@@ -307,6 +308,21 @@ TEST_F(ConfigFileOnDisk, ACheckLoadsTheNodesOfADescription)
     for (const char *part : {"Width", "Gone"}) {
         EXPECT_NE(messages[0].find(part), std::string::npos) << messages[0];
     }
+}
+
+TEST_F(ConfigFileOnDisk, ACheckTellsWhatCamerasWillBe)
+{
+    Write("other.xml", "<RegisterDescription VendorName=\"Lathe\" ModelName=\"X1\"><Category Name=\"Root\"/>"
+                       "</RegisterDescription>");
+    const CheckedFile file = CheckConfigFile(Write("cameras.toml", "[[camera]]\nxml = 'other.xml'\n[[camera]]\n"
+                                                                   "pixel_formats = ['Mono8', 'RGB8']"));
+    ASSERT_EQ(file.cameras.size(), 2u);
+    EXPECT_EQ(file.cameras[0].vendor + ' ' + file.cameras[0].model, "Lathe X1");
+    EXPECT_EQ(file.cameras[0].pixelFormats, "its description's");
+    EXPECT_EQ(file.cameras[0].description, "another model's");
+    EXPECT_EQ(file.cameras[1].model, "Virtual Camera");
+    EXPECT_EQ(file.cameras[1].pixelFormats, "Mono8, RGB8");
+    EXPECT_EQ(file.cameras[1].description, "its own");
 }
 
 TEST_F(ConfigFileOnDisk, TheSampleIsRightAndShowsEveryKey)
