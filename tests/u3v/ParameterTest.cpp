@@ -105,21 +105,39 @@ TEST_F(ParameterTest, ValueThatAModeLocksIsPutBackToo)
     EXPECT_NEAR(gain(), 5, 0.2);
 }
 
+TEST_F(ParameterTest, ValueThatIsSoAlreadyMayBeLocked)
+{
+    // Line0 is an input, which shows nothing.
+    EXPECT_EQ(LoadText("LineSource[LineSelector=Line0]=VD\n"), CAM_API_STS_GENICAM_ERR);
+    EXPECT_EQ(LoadText("LineSource[LineSelector=Line0]=Off\n"), 0U) << Error();
+}
+
+TEST_F(ParameterTest, ValueThatALaterLineMovesIsSetAgain)
+{
+    ASSERT_EQ(LoadText("Width=320\nImageFormatSelector=Format1\n"), 0U) << Error(); // which has a width of its own
+    EXPECT_EQ(Enum("ImageFormatSelector"), "Format1");
+    EXPECT_EQ(Int("Width"), 320);
+    SetInt("Width", 960);
+    SetEnum("ImageFormatSelector", "Format0");
+}
+
+TEST_F(ParameterTest, WhatIsNoSettingOfTheFileIsPutBackToo)
+{
+    ASSERT_EQ(LoadText("DeviceUserID=\"left\"\n"), 0U) << Error();
+    EXPECT_EQ(LoadText("DeviceUserID=\"right\"\nHeight=99999999\n"), CAM_API_STS_GENICAM_ERR);
+    EXPECT_EQ(Name(), "left");
+    ASSERT_EQ(LoadText("DeviceUserID=\"\"\n"), 0U) << Error();
+}
+
 TEST_F(ParameterTest, TextsAreQuoted)
 {
-    const auto name = [&] {
-        char text[64];
-        uint32_t size = sizeof text;
-        EXPECT_EQ(UC_Nd_GetStrValue(Node("DeviceUserID"), text, &size, false, false), 0U);
-        return std::string(text);
-    };
     ASSERT_EQ(LoadText(R"(DeviceUserID="left \"eye\" \\ #1=[2]")"), 0U) << Error();
-    EXPECT_EQ(name(), R"(left "eye" \ #1=[2])");
+    EXPECT_EQ(Name(), R"(left "eye" \ #1=[2])");
     for (const char *const bad :
          {"DeviceUserID=left", "DeviceUserID=\"", "DeviceUserID=\"a\\\"", "DeviceUserID=\"a\"b\""})
         EXPECT_EQ(LoadText(bad), CAM_API_STS_GENICAM_ERR) << bad;
     ASSERT_EQ(LoadText("DeviceUserID=\"\""), 0U) << Error();
-    EXPECT_EQ(name(), "");
+    EXPECT_EQ(Name(), "");
 }
 
 TEST_F(ParameterTest, OtherModelsAndOtherFilesAreRefusedAtTheirFirstLine)
@@ -152,12 +170,17 @@ TEST_F(ParameterTest, CommentsBlankLinesAndForeignLineEndsAreTaken)
 TEST_F(ParameterTest, DefectTableIsLoadedOnDemandOnly)
 {
     const int64_t before = Int("DPCNumber");
-    const std::string lines = "Width=320\nDPCNumber=" + std::to_string(before + 1) + "\n";
+    const std::string lines =
+        "Width=320\nDPCEnable=true\nDPCEntryX[DPCIndex=3]=7\nDPCNumber=" + std::to_string(before + 1) + "\n";
+    const std::string state = State();
     ASSERT_EQ(LoadText(lines, false), 0U) << Error();
     EXPECT_EQ(Int("Width"), 320);
-    EXPECT_EQ(Int("DPCNumber"), before);
+    SetInt("Width", 1920);
+    EXPECT_EQ(State(), state);
     ASSERT_EQ(LoadText(lines, true), 0U) << Error();
     EXPECT_EQ(Int("DPCNumber"), before + 1);
+    EXPECT_NE(State().find("\nDPCEnable=true\n"), std::string::npos);
+    EXPECT_NE(State().find("\nDPCEntryX[DPCIndex=3]=7\n"), std::string::npos);
 }
 
 TEST_F(ParameterTest, CameraWithoutDescriptionHasNoParameters)

@@ -92,6 +92,13 @@ class ParameterTest : public testing::Test {
         EXPECT_EQ(UC_Nd_GetEnumStrValue(Node(name), text, &size, false, false), 0U) << name;
         return text;
     }
+    std::string Name() const
+    {
+        char text[64];
+        uint32_t size = sizeof text;
+        EXPECT_EQ(UC_Nd_GetStrValue(Node("DeviceUserID"), text, &size, false, false), 0U);
+        return text;
+    }
 
     CAM_HANDLE camera = 0;
     const std::string folder = testing::TempDir() + "u3v-parameters-" + std::to_string(getpid());
