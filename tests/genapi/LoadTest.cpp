@@ -30,6 +30,8 @@ TEST(Load, NamesNodeLineAndReason)
         {Int("A", "<Value>0x10000000000000000</Value>"), "[A] line 3: Value, '0x10000000000000000' fits no 64-bit integer"},
         {Int("A", "<Value/>"), "[A] line 3: Value, '' is no integer"},
         {Int("A", ""), "[A] line 3: Integer has no value"},
+        {"<Float Name=\"F\"><Value>nan</Value></Float>", "[F] line 3: Value, 'nan' is no number"},
+        {"<Float Name=\"F\"><Value>1,5</Value></Float>", "[F] line 3: Value, '1,5' is no number"},
         {Int("A", "<Value>1</Value><Visibility>Everyone</Visibility>"), "[A] line 3: Visibility, 'Everyone' is none of Beginner, Expert, Guru, Invisible"},
         {Int("A", "<Value>1</Value><Streamable>maybe</Streamable>"), "[A] line 3: Streamable, 'maybe' is none of No, Yes, false, true, 0, 1"},
         {Int("A", "<Value>1</Value><EventID>xyz</EventID>"), "[A] line 3: EventID, 'xyz' is no hexadecimal number"},
@@ -299,7 +301,14 @@ TEST(Load, TakesTheUsualEncodings)
             }
             EXPECT_EQ(unitOf(bytes), utf8);
         }
+    // Half of a pair, in the text and at its end.
+    std::string half("<\0R\0>\0\x3D\xD8 \0\x3D\xD8", 12);
     MemoryPort port;
+    EXPECT_THAT(ErrorOf([&] { NodeMap::Load(half, port); }), StartsWith("[description] line 1: no XML"));
+    std::string inside;
+    for (const char c : described("@"))
+        inside += c == '@' ? std::string("\x3D\xD8", 2) : std::string{c, '\0'};
+    EXPECT_EQ(unitOf(inside), "\uFFFD");
     const std::string broken =
         "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<!-- \xB0\xB0\xB0\n -->\n<RegisterDescription>\n" +
         Int("A", "<Value>x</Value>") + "</RegisterDescription>";
@@ -358,6 +367,18 @@ TEST(Load, KeepsExtensionsOutOfTheWay)
     EXPECT_THAT(map->Notes(), testing::IsEmpty());
 }
 
+TEST(Load, KeepsLongTexts)
+{
+    std::string nodes;
+    for (int i = 0; i < 8; ++i)
+        nodes +=
+            Int(Say("N", std::to_string(i)),
+                Say("<Value>1</Value><ToolTip>", std::string(1000u << i, static_cast<char>('a' + i)), "</ToolTip>"));
+    TestMap map(nodes);
+    for (int i = 0; i < 8; ++i)
+        EXPECT_EQ(map->ToolTip(map[Say("N", std::to_string(i))]), std::string(1000u << i, static_cast<char>('a' + i)));
+}
+
 TEST(Load, BoundsTheNamesOfAFormula)
 {
     std::string names;
@@ -387,6 +408,9 @@ TEST(Load, ReadsNumbersAsTheyAreWritten)
     EXPECT_EQ(map.Int("Plus"), 5);
     EXPECT_EQ(map.Float("F"), -1.5e-3);
     EXPECT_EQ(map.Float("G"), 16);
+    TestMap open("<Float Name=\"F\"><Value>1</Value><Min>-INF</Min><Max>INF</Max></Float>");
+    EXPECT_EQ(open->FloatMax(open["F"]), std::numeric_limits<double>::infinity());
+    open.SetFloat("F", -1e300);
 }
 
 TEST(Load, ReadsNothingFromTheCamera)
