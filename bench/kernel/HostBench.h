@@ -2,6 +2,7 @@
 // What a host does with a camera while it is measured, and how that is told: the same for every host, so that only the
 // hosts differ.
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
@@ -42,7 +43,7 @@ inline double Now()
 /// Prints one line for each figure.
 inline void Measure(Host &host)
 {
-    constexpr int warmUp = 20, images = 200, reads = 500, stops = 5;
+    constexpr int warmUp = 20, images = 200, rows = 20, reads = 50, stops = 5;
     host.Start();
     for (int i = 0; i < warmUp; ++i)
         host.TakeImage();
@@ -56,10 +57,15 @@ inline void Measure(Host &host)
     std::printf("figure bytes-per-second %.0f\n", static_cast<double>(bytes) / time);
     std::printf("figure processor-us-per-image %.1f\n", processor / images * 1e6);
 
-    time = Now();
-    for (int i = 0; i < reads; ++i)
-        host.ReadRegister(s_sensorWidth);
-    std::printf("figure reads-per-second %.1f\n", reads / (Now() - time));
+    // What else the machine does falls upon some rows; the fastest one is the host's own.
+    double fastest = 0;
+    for (int row = 0; row < rows; ++row) {
+        time = Now();
+        for (int i = 0; i < reads; ++i)
+            host.ReadRegister(s_sensorWidth);
+        fastest = std::max(fastest, reads / (Now() - time));
+    }
+    std::printf("figure reads-per-second %.1f\n", fastest);
 
     double stopping = 0;
     for (int i = 0; i < stops; ++i) {

@@ -57,7 +57,8 @@ void VirtualCameraTest::Restart()
         EXPECT_EQ(Cam_Close(hCam), 0u);
         EXPECT_EQ(Sys_CloseSignal(hGone), 0u);
     }
-    AwaitCameras(2);
+    if (powerOff)
+        AwaitCameras(2);
 }
 
 CAM_API_STATUS VirtualCameraTest::TryOpen(uint32_t index, void *removalSignal, bool useGenICam, CAM_HANDLE &hCam)
