@@ -130,6 +130,13 @@ TEST_F(TriggerEffectTest, BurstTakesAsManyImagesAsTheParameterSays)
     }
     EXPECT_FALSE(channel.TryNext());
     channel.Stop();
+    // Without the sequence of bursts it is one image all the same.
+    ASSERT_EQ(SetCamTriggerSequence(hCam, CAM_TRIGGER_SEQUENCE_0), 0u);
+    channel.Start(); // two requests are left
+    const auto trigger = [&] { ASSERT_EQ(ExecuteCamSoftwareTrigger(hCam), 0u); };
+    ExpectDelayedImage(channel, 0, trigger);
+    ExpectDelayedImage(channel, 1, trigger);
+    channel.Stop();
     uint32_t min = 0, max = 0;
     ASSERT_EQ(GetCamTriggerAdditionalParameterMinMax(hCam, &min, &max), 0u);
     EXPECT_EQ(std::pair(min, max), std::pair(1u, 255u));
