@@ -151,8 +151,8 @@ TEST_F(DescribedCameraTest, AFileWithAMistakeAddsNoCameraAndTheLastErrorTellsIt)
     EXPECT_EQ(Enumerate(path), before);
     const std::string said = ::testing::internal::GetCapturedStderr();
     const std::string expected = path +
-                                 ":3:10: vendor takes a text, not an integer; there are no virtual cameras: 'orvicam "
-                                 "vcam check " +
+                                 ":3:10: vendor takes a text, not an integer: write it in quotes; there are no virtual "
+                                 "cameras: 'orvicam vcam check " +
                                  path + "' tells all mistakes";
     EXPECT_EQ(said, expected + "\n") << "told once";
     EXPECT_EQ(Misc_SetLastGenICamError(1), 0u);
