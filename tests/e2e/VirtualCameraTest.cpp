@@ -53,6 +53,7 @@ void VirtualCameraTest::Restart()
             for (const uint64_t setting : {Virtual::replugAfter, Virtual::unthrottled, commandDelay, userSetSelector})
                 WriteWord(hCam, setting, 0);
             WriteWord(hCam, userSetLoad, 1);
+            WriteWord(hCam, commandDelay, 0); // done at once: a test's own user sets would be refused until then
         }
         EXPECT_EQ(Cam_Close(hCam), 0u);
         EXPECT_EQ(Sys_CloseSignal(hGone), 0u);
