@@ -1,5 +1,5 @@
 // How long it takes from setting a signal to the other thread's going on, against a condition variable of the standard
-// library in the same run. Both are measured there and back, so that one thread keeps the time.
+// library in the same run. Both are measured there and back, so that one thread keeps the time, on one processor.
 
 #include "Claims.h"
 #include "Turns.h"
@@ -12,6 +12,8 @@
 #include <condition_variable>
 #include <mutex>
 #include <thread>
+
+#include <sched.h>
 
 namespace Orvi::Bench {
 
@@ -90,8 +92,29 @@ class Answerer {
     std::thread thread_{[this] { Run(); }};
 };
 
+/// Keeps this thread, and those that it starts, on one processor. Waking an idle one takes many times what is compared
+/// here, and the two would have to do it or not as the system happens to place their threads.
+class OneProcessor {
+  public:
+    OneProcessor()
+    {
+        sched_getaffinity(0, sizeof before_, &before_);
+        cpu_set_t one;
+        CPU_ZERO(&one);
+        CPU_SET(static_cast<std::size_t>(sched_getcpu()), &one);
+        sched_setaffinity(0, sizeof one, &one);
+    }
+    OneProcessor(const OneProcessor &) = delete;
+    OneProcessor &operator=(const OneProcessor &) = delete;
+    ~OneProcessor() { sched_setaffinity(0, sizeof before_, &before_); }
+
+  private:
+    cpu_set_t before_;
+};
+
 void ThereAndBack(benchmark::State &state)
 {
+    const OneProcessor here;
     Answerer<Signal> signal;
     Answerer<Condition> condition;
     Turns turns(20);
